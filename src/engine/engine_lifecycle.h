@@ -1,0 +1,23 @@
+// Creating and releasing an engine.
+#pragma once
+
+#include "engine/engine.h"
+
+#include <cstdint>
+
+namespace kryn {
+
+// Largest page the records can address: device columns are 16-bit, and band
+// indices must leave room for the empty-range marker.
+inline constexpr int32_t MAX_PAGE_WIDTH_ARGUMENT = 65535;
+inline constexpr int32_t MAX_BAND_COUNT = 32766;
+
+// Null for a bad geometry or when memory runs out.
+Engine* createEngine(int32_t width, int32_t height, int16_t bandHeight, uint16_t resolution,
+                     uint16_t deviceLevel);
+
+// Disposes of an open page, flushes buffered stream bytes and frees
+// everything the engine owns.
+void destroyEngine(Engine* e);
+
+} // namespace kryn
