@@ -13,6 +13,11 @@ inline constexpr uint32_t NO_PAINT_INDEX = 0xFFFFFFFF;
 // Blend data start as three (0, 255) byte pairs, that is 0xFF00 per value.
 inline constexpr uint16_t BLEND_DATA_DEFAULT = 0xFF00;
 
+// What the pattern operand P of the logical function can be for a paint.
+inline constexpr uint32_t TONE_ZERO = 0;  // only all zero bits (black)
+inline constexpr uint32_t TONE_ONE = 1;   // only all one bits (white)
+inline constexpr uint32_t TONE_MIXED = 2; // anything else
+
 struct PaintDescriptor {
     uint32_t imageColour = 0;                // image foreground (166/183)
     uint32_t imageBackColour = WHITE;        // image background (167/184)
