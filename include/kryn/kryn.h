@@ -118,6 +118,33 @@ KRYN_EXPORT ResultCode KRYNSetReverseSide(Engine* e);
  * reverse-side offsets (0 unless the page is set to the reverse side). */
 KRYN_EXPORT ResultCode KRYNGetPageInfo(uint16_t out[6], Engine* e);
 
+/* ---- Colour and raster operations ------------------------------------ */
+
+/* These setters change the current graphics state of the open page
+ * (KRYN_ERR_INVALID without one); painting calls use the values from their
+ * next call on, and KRYNPopGState brings back the values saved by the
+ * matching push. */
+
+/* Selector 0 sets the paint colour (default 0x000000, black); any other
+ * selector sets the background colour (default 0xFFFFFF, white), which a
+ * 1-bit opaque screen paints on its zero bits. Every value is accepted; the
+ * alpha byte counts only while alpha blending is on. KRYN_ERR_INVALID for a
+ * null colour. */
+KRYN_EXPORT ResultCode KRYNSetColor(const ColourValue* colour, uint16_t selector, Engine* e);
+/* Sets the background mode that image painting reads (default 1: the zero
+ * bits of 1-bit images are painted in the image background colour). The
+ * value is stored unchecked. */
+KRYN_EXPORT ResultCode KRYNSetBackground(uint16_t mode, Engine* e);
+/* Sets the logical function that combines every painted pixel with the
+ * page: a ternary raster-operation code whose bit (4p + 2s + d) is the result
+ * for pattern (paint colour or screen) bit p, source (image) bit s and
+ * destination bit d. Default 0xA8, D AND (P OR S): paint only darkens.
+ * KRYN_ERR_INVALID for a code above 255, which leaves the current one. */
+KRYN_EXPORT ResultCode KRYNSetLogicalFunc(uint16_t code, Engine* e);
+/* Stores a second code (0..255, default 0xA8) with the graphics state; no
+ * painting call reads it. KRYN_ERR_INVALID for a code above 255. */
+KRYN_EXPORT ResultCode KRYNSetLogicalFunc2(uint16_t code, Engine* e);
+
 #ifdef __cplusplus
 }
 #endif
