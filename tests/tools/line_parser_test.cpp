@@ -1,0 +1,94 @@
+// Reading script lines: values, arrays, structures, byte data and the
+// malformed text that must be refused.
+#include "byte_data.h"
+#include "line_parser.h"
+#include "script_error.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+
+using namespace kryn::script;
+
+namespace {
+
+ScriptLine parse(const std::string& text) {
+    auto line = parseLine(text, 7, "/tmp");
+    EXPECT_TRUE(line.has_value());
+    return line.value_or(ScriptLine{});
+}
+
+} // namespace
+
+TEST(LineParser, SkipsBlankAndCommentLines) {
+    EXPECT_FALSE(parseLine("", 1, "."));
+    EXPECT_FALSE(parseLine("   \t\r", 1, "."));
+    EXPECT_FALSE(parseLine("  # SetColor 1 0", 1, "."));
+}
+
+TEST(LineParser, ReadsNameNumbersAndTrailingComment) {
+    ScriptLine line = parse("LinesTo16 [10 -10 0x7FFF -0x10] 2 # two points");
+    EXPECT_EQ(line.number, 7);
+    EXPECT_EQ(line.name, "LinesTo16");
+    ASSERT_EQ(line.args.size(), 2u);
+    const Value& array = line.args[0];
+    ASSERT_EQ(array.kind, Value::Kind::Array);
+    ASSERT_EQ(array.items.size(), 4u);
+    EXPECT_EQ(array.items[1].magnitude, 10u);
+    EXPECT_TRUE(array.items[1].negative);
+    EXPECT_TRUE(array.items[2].hex);
+    EXPECT_EQ(array.items[2].magnitude, 0x7FFFu);
+    EXPECT_TRUE(array.items[3].negative && array.items[3].hex);
+    EXPECT_EQ(line.args[1].magnitude, 2u);
+}
+
+TEST(LineParser, ReadsFloatsNullAndStructures) {
+    ScriptLine line = parse("X 1.5 -2 2e-3 null {1 2 3 4 fill:0xAB:3}[]");
+    ASSERT_EQ(line.args.size(), 6u);
+    EXPECT_EQ(line.args[0].kind, Value::Kind::Float);
+    EXPECT_DOUBLE_EQ(line.args[0].real, 1.5);
+    EXPECT_EQ(line.args[1].kind, Value::Kind::Integer);
+    EXPECT_DOUBLE_EQ(line.args[1].real, -2.0);
+    EXPECT_DOUBLE_EQ(line.args[2].real, 2e-3);
+    EXPECT_EQ(line.args[3].kind, Value::Kind::Null);
+    const Value& s = line.args[4];
+    ASSERT_EQ(s.kind, Value::Kind::Struct);
+    ASSERT_EQ(s.items.size(), 5u);
+    EXPECT_EQ(s.items[4].bytes, (std::vector<uint8_t>{0xAB, 0xAB, 0xAB}));
+    EXPECT_EQ(line.args[5].kind, Value::Kind::Array);
+    EXPECT_TRUE(line.args[5].items.empty());
+}
+
+TEST(LineParser, RefusesMalformedText) {
+    for (const char* text :
+         {"1Init", "X [1 2", "X 1]", "X [[1]]", "X [hex:00]", "X 12abc", "X 0x", "X nan", "X inf",
+          "X hex:0", "X hex:zz", "X seed:1", "X fill:0x100:2", "X 99999999999999999999999",
+          "X {1 2", "X [{1 2 3 4 hex:}]", "Init,1"}) {
+        EXPECT_THROW(parseLine(text, 1, "."), ScriptError) << text;
+    }
+}
+
+TEST(ByteData, XorshiftStreamMatchesItsDefinition) {
+    // Seed 1: 1 -> 0x00042021 -> ... ; the first byte is the low byte of the first state.
+    uint32_t state = 1;
+    state ^= state << 13;
+    state ^= state >> 17;
+    state ^= state << 5;
+    std::vector<uint8_t> bytes = xorshiftBytes(1, 3);
+    EXPECT_EQ(bytes[0], state & 0xFF);
+    EXPECT_EQ(state, 0x00042021u);
+    EXPECT_EQ(xorshiftBytes(0, 16), xorshiftBytes(1, 16)) << "seed 0 is taken as 1";
+    EXPECT_EQ(decodeByteData("seed:1:3", "."), bytes);
+}
+
+TEST(ByteData, ReadsFilesRelativeToTheScript) {
+    const std::string dir = ::testing::TempDir();
+    {
+        std::ofstream out(dir + "/bytes.bin", std::ios::binary);
+        out << "\x01\x02\x03";
+    }
+    EXPECT_EQ(decodeByteData("file:bytes.bin", dir), (std::vector<uint8_t>{1, 2, 3}));
+    EXPECT_THROW(decodeByteData("file:missing.bin", dir), ScriptError);
+    std::remove((dir + "/bytes.bin").c_str());
+}

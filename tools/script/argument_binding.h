@@ -1,0 +1,19 @@
+// Turns the written values of a line into the C arguments of its operation.
+#pragma once
+
+#include "call_frame.h"
+#include "operation_table.h"
+#include "script_value.h"
+
+namespace kryn::script {
+
+// Checks every written value against its parameter (count, kind, range) and
+// binds them. Throws ScriptError, having allocated nothing, when the line
+// does not fit the operation. Image samples are copied into GlobalAlloc
+// buffers last, so a failing line never leaves a buffer behind.
+CallFrame bindArguments(const OperationSpec& op, const ScriptLine& line);
+
+// Frees the image buffers a call left with the caller.
+void releaseKeptBuffers(CallFrame& frame);
+
+} // namespace kryn::script

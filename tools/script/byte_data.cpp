@@ -1,0 +1,142 @@
+#include "byte_data.h"
+
+#include "script_error.h"
+
+#include <fstream>
+#include <iterator>
+
+namespace kryn::script {
+
+namespace {
+
+// Byte data larger than this is refused rather than allocated.
+constexpr uint64_t MAX_BYTE_DATA = uint64_t{1} << 30;
+
+int hexDigit(char c) {
+    if (c >= '0' && c <= '9') {
+        return c - '0';
+    }
+    if (c >= 'a' && c <= 'f') {
+        return c - 'a' + 10;
+    }
+    if (c >= 'A' && c <= 'F') {
+        return c - 'A' + 10;
+    }
+    return -1;
+}
+
+uint64_t parseUnsigned(std::string_view text, std::string_view what) {
+    int base = 10;
+    if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+        base = 16;
+        text.remove_prefix(2);
+    }
+    if (text.empty()) {
+        throw ScriptError("missing " + std::string(what));
+    }
+    uint64_t value = 0;
+    for (char c : text) {
+        int d = hexDigit(c);
+        if (d < 0 || d >= base || value > (UINT64_MAX - static_cast<uint64_t>(d)) / 16) {
+            throw ScriptError("bad " + std::string(what) + " '" + std::string(text) + "'");
+        }
+        value = value * static_cast<uint64_t>(base) + static_cast<uint64_t>(d);
+    }
+    return value;
+}
+
+size_t parseLength(std::string_view text) {
+    uint64_t length = parseUnsigned(text, "length");
+    if (length > MAX_BYTE_DATA) {
+        throw ScriptError("byte data of " + std::string(text) + " bytes is too large");
+    }
+    return static_cast<size_t>(length);
+}
+
+std::vector<uint8_t> decodeHex(std::string_view digits) {
+    if (digits.size() % 2 != 0) {
+        throw ScriptError("hex: data needs an even number of digits");
+    }
+    std::vector<uint8_t> out(digits.size() / 2);
+    for (size_t i = 0; i < out.size(); ++i) {
+        int hi = hexDigit(digits[2 * i]);
+        int lo = hexDigit(digits[2 * i + 1]);
+        if (hi < 0 || lo < 0) {
+            throw ScriptError("hex: data holds a character that is not a hex digit");
+        }
+        out[i] = static_cast<uint8_t>(hi * 16 + lo);
+    }
+    return out;
+}
+
+std::vector<uint8_t> readFile(std::string_view relative, const std::string& baseDirectory) {
+    if (relative.empty()) {
+        throw ScriptError("file: needs a path");
+    }
+    std::string path(relative);
+    if (path[0] != '/' && !baseDirectory.empty()) {
+        path = baseDirectory + "/" + path;
+    }
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        throw ScriptError("cannot read file '" + path + "'");
+    }
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// Splits "A:B" at the first colon.
+std::pair<std::string_view, std::string_view> splitColon(std::string_view text,
+                                                         std::string_view form) {
+    size_t colon = text.find(':');
+    if (colon == std::string_view::npos) {
+        throw ScriptError(std::string(form) + " needs two fields separated by ':'");
+    }
+    return {text.substr(0, colon), text.substr(colon + 1)};
+}
+
+} // namespace
+
+bool isByteData(std::string_view token) {
+    return token.starts_with("hex:") || token.starts_with("file:") || token.starts_with("seed:") ||
+           token.starts_with("fill:");
+}
+
+std::vector<uint8_t> xorshiftBytes(uint32_t seed, size_t length) {
+    std::vector<uint8_t> out(length);
+    uint32_t state = seed == 0 ? 1 : seed;
+    for (auto& byte : out) {
+        state ^= state << 13;
+        state ^= state >> 17;
+        state ^= state << 5;
+        byte = static_cast<uint8_t>(state & 0xFF);
+    }
+    return out;
+}
+
+std::vector<uint8_t> decodeByteData(std::string_view token, const std::string& baseDirectory) {
+    if (token.starts_with("hex:")) {
+        return decodeHex(token.substr(4));
+    }
+    if (token.starts_with("file:")) {
+        return readFile(token.substr(5), baseDirectory);
+    }
+    if (token.starts_with("seed:")) {
+        auto [seed, length] = splitColon(token.substr(5), "seed:");
+        uint64_t n = parseUnsigned(seed, "seed");
+        if (n > UINT32_MAX) {
+            throw ScriptError("seed " + std::string(seed) + " does not fit 32 bits");
+        }
+        return xorshiftBytes(static_cast<uint32_t>(n), parseLength(length));
+    }
+    if (token.starts_with("fill:")) {
+        auto [value, length] = splitColon(token.substr(5), "fill:");
+        uint64_t byte = parseUnsigned(value, "fill byte");
+        if (byte > 0xFF) {
+            throw ScriptError("fill byte " + std::string(value) + " does not fit 8 bits");
+        }
+        return std::vector<uint8_t>(parseLength(length), static_cast<uint8_t>(byte));
+    }
+    throw ScriptError("unknown byte data '" + std::string(token) + "'");
+}
+
+} // namespace kryn::script

@@ -1,0 +1,200 @@
+#include "job_player.h"
+
+#include "argument_binding.h"
+#include "line_parser.h"
+#include "operation_table.h"
+#include "script_error.h"
+
+#include <zlib.h>
+
+#include <cstdio>
+#include <fstream>
+#include <new>
+
+namespace kryn::script {
+
+namespace {
+
+const OperationSpec INIT_SPEC{
+    "Init",
+    {{ParamType::I32}, {ParamType::I32}, {ParamType::I16}, {ParamType::U16}, {ParamType::U16}},
+    nullptr};
+const OperationSpec RESTART_SPEC{"Restart", {{ParamType::U32}}, nullptr};
+
+std::string resultText(ResultCode r) {
+    char text[8];
+    std::snprintf(text, sizeof text, "0x%04X", static_cast<unsigned>(r));
+    return text;
+}
+
+void writeHex(std::ostream& out, const uint8_t* data, uint32_t bytes) {
+    static const char DIGITS[] = "0123456789abcdef";
+    std::string hex(size_t{bytes} * 2, '0');
+    for (uint32_t i = 0; i < bytes; ++i) {
+        hex[2 * i] = DIGITS[data[i] >> 4];
+        hex[2 * i + 1] = DIGITS[data[i] & 15];
+    }
+    out << hex;
+}
+
+bool isRasterCode(uint32_t code) {
+    return code >= CB_RASTER_STANDARD && code <= CB_RASTER_DIRECT;
+}
+
+} // namespace
+
+JobPlayer::JobPlayer(std::string scriptName, std::string baseDirectory, PlayerOptions options)
+    : scriptName_(std::move(scriptName)), baseDirectory_(std::move(baseDirectory)),
+      options_(std::move(options)) {}
+
+JobPlayer::~JobPlayer() {
+    if (engine_ != nullptr) {
+        KRYNEnd(engine_);
+    }
+}
+
+uint32_t JobPlayer::deliver(uint32_t code, uint32_t band, const void* data, uint32_t bytes,
+                            uintptr_t context, const RasterRect* rect) {
+    auto* player = reinterpret_cast<JobPlayer*>(context);
+    return player->onDelivery(code, band, static_cast<const uint8_t*>(data), bytes, rect);
+}
+
+uint32_t JobPlayer::onDelivery(uint32_t code, uint32_t band, const uint8_t* data, uint32_t bytes,
+                               const RasterRect* rect) {
+    std::ostream* trace = options_.trace;
+    if (code == CB_STREAM_BEGIN) {
+        if (trace != nullptr) {
+            *trace << "cb 0x101 band=" << band << " bytes=" << bytes << '\n';
+        }
+        return 0;
+    }
+    if (code == CB_STREAM_DATA || code == CB_STREAM_END) {
+        if (trace != nullptr) {
+            *trace << (code == CB_STREAM_DATA ? "cb 0x100" : "cb 0x102") << " bytes=" << bytes
+                   << " data=";
+            writeHex(*trace, data, data == nullptr ? 0 : bytes);
+            *trace << '\n';
+        }
+        if (options_.stream != nullptr && data != nullptr) {
+            options_.stream->write(reinterpret_cast<const char*>(data), bytes);
+        }
+        return 0;
+    }
+    if (trace != nullptr) {
+        uLong crc = crc32(0L, Z_NULL, 0);
+        if (data != nullptr && bytes != 0) {
+            crc = crc32(crc, data, bytes);
+        }
+        char text[16];
+        std::snprintf(text, sizeof text, "%08lx", crc);
+        *trace << "cb 0x" << std::hex << code << std::dec << " band=" << band << " bytes=" << bytes
+               << " rect=";
+        if (rect != nullptr) {
+            *trace << rect->left << ',' << rect->top << ',' << rect->right << ',' << rect->bottom;
+        } else {
+            *trace << "none";
+        }
+        *trace << " crc=" << text << '\n';
+    }
+    if (options_.onRaster && isRasterCode(code) && data != nullptr) {
+        options_.onRaster(RasterDelivery{code, band, data, bytes, rect});
+    }
+    if (isRasterCode(code) && restartsLeft_ > 0) {
+        --restartsLeft_;
+        return KRYN_CB_RESTART;
+    }
+    return 0;
+}
+
+void JobPlayer::endEngine(int lineNumber, bool traced) {
+    ResultCode r = KRYNEnd(engine_);
+    engine_ = nullptr;
+    if (traced && options_.trace != nullptr) {
+        *options_.trace << lineNumber << " End " << resultText(r) << '\n';
+    }
+}
+
+void JobPlayer::init(const ScriptLine& line) {
+    CallFrame f = bindArguments(INIT_SPEC, line);
+    if (engine_ != nullptr) {
+        endEngine(line.number, true);
+    }
+    engine_ = KRYNInit(f.scalar<int32_t>(0), f.scalar<int32_t>(1), f.scalar<int16_t>(2),
+                       f.scalar<uint16_t>(3), f.scalar<uint16_t>(4));
+    initSeen_ = true;
+    if (options_.trace != nullptr) {
+        *options_.trace << line.number << " Init " << (engine_ != nullptr ? "ok" : "null") << '\n';
+    }
+}
+
+void JobPlayer::playLine(const ScriptLine& line) {
+    if (line.name == "Init") {
+        init(line);
+        return;
+    }
+    if (line.name == "Restart") {
+        CallFrame f = bindArguments(RESTART_SPEC, line);
+        restartsLeft_ = f.scalar<uint32_t>(0);
+        return;
+    }
+    const OperationSpec* op = findOperation(line.name);
+    if (op == nullptr) {
+        throw ScriptError("unknown operation '" + line.name + "'");
+    }
+    CallFrame frame = bindArguments(*op, line);
+    if (!initSeen_) {
+        releaseKeptBuffers(frame);
+        throw ScriptError("no engine: the first call must be Init");
+    }
+    frame.callback = &JobPlayer::deliver;
+    frame.context = reinterpret_cast<uintptr_t>(this);
+    ResultCode r = op->invoke(engine_, frame);
+    releaseKeptBuffers(frame);
+    if (line.name == "End") {
+        engine_ = nullptr;
+    }
+    if (options_.trace != nullptr) {
+        *options_.trace << line.number << ' ' << line.name << ' ' << resultText(r);
+        for (int64_t v : frame.outputs) {
+            *options_.trace << ' ' << v;
+        }
+        *options_.trace << '\n';
+    }
+    if (line.name == "ClosePage" && options_.onPageClosed) {
+        options_.onPageClosed();
+    }
+}
+
+PlayResult JobPlayer::run(std::istream& script) {
+    std::string text;
+    int number = 0;
+    try {
+        while (std::getline(script, text)) {
+            ++number;
+            if (auto line = parseLine(text, number, baseDirectory_)) {
+                playLine(*line);
+            }
+        }
+    } catch (const ScriptError& error) {
+        return {2, scriptName_ + ":" + std::to_string(number) + ": " + error.what()};
+    } catch (const std::bad_alloc&) {
+        return {1, scriptName_ + ":" + std::to_string(number) + ": the player ran out of memory"};
+    }
+    if (engine_ != nullptr) {
+        endEngine(number + 1, true);
+    }
+    return {};
+}
+
+PlayResult playScriptFile(const std::string& path, PlayerOptions options) {
+    std::ifstream in(path);
+    if (!in) {
+        return {1, "cannot read script '" + path + "'"};
+    }
+    size_t slash = path.find_last_of('/');
+    std::string base = slash == std::string::npos ? "." : path.substr(0, slash);
+    JobPlayer player(path, base, std::move(options));
+    return player.run(in);
+}
+
+} // namespace kryn::script

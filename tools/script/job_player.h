@@ -1,0 +1,67 @@
+// Plays a job script on one engine and records what the engine delivers.
+#pragma once
+
+#include "kryn/kryn.h"
+
+#include <cstdint>
+#include <functional>
+#include <istream>
+#include <ostream>
+#include <string>
+
+namespace kryn::script {
+
+struct ScriptLine;
+
+// A band raster as the callback received it.
+struct RasterDelivery {
+    uint32_t code;
+    uint32_t band;
+    const uint8_t* data;
+    uint32_t bytes;
+    const RasterRect* rect;
+};
+
+struct PlayerOptions {
+    std::ostream* trace = nullptr;  // one line per call and delivery
+    std::ostream* stream = nullptr; // the bytes of every stream data and end call
+    std::function<void(const RasterDelivery&)> onRaster; // every raster delivery
+    std::function<void()> onPageClosed;                  // after every ClosePage call
+};
+
+struct PlayResult {
+    int status = 0;      // 0 ran, 1 the player failed, 2 script error
+    std::string message; // "FILE:LINE: ..." for a script error
+};
+
+class JobPlayer {
+  public:
+    JobPlayer(std::string scriptName, std::string baseDirectory, PlayerOptions options);
+    ~JobPlayer();
+    JobPlayer(const JobPlayer&) = delete;
+    JobPlayer& operator=(const JobPlayer&) = delete;
+
+    // Runs every line of the script; ends an engine left open at the end.
+    PlayResult run(std::istream& script);
+
+  private:
+    static uint32_t deliver(uint32_t code, uint32_t band, const void* data, uint32_t bytes,
+                            uintptr_t context, const RasterRect* rect);
+    uint32_t onDelivery(uint32_t code, uint32_t band, const uint8_t* data, uint32_t bytes,
+                        const RasterRect* rect);
+    void playLine(const ScriptLine& line);
+    void init(const ScriptLine& line);
+    void endEngine(int lineNumber, bool traced);
+
+    std::string scriptName_;
+    std::string baseDirectory_;
+    PlayerOptions options_;
+    Engine* engine_ = nullptr;
+    bool initSeen_ = false;
+    uint64_t restartsLeft_ = 0;
+};
+
+// The exit status of kryn-play for a whole run from a file.
+PlayResult playScriptFile(const std::string& path, PlayerOptions options);
+
+} // namespace kryn::script
