@@ -13,7 +13,7 @@ using namespace kryn::script;
 namespace {
 
 CallFrame bind(const OperationSpec& op, const std::string& text) {
-    auto line = parseLine(text, 1, ".");
+    auto line = parseLine(text, 1);
     return bindArguments(op, *line);
 }
 

@@ -14,7 +14,7 @@ using namespace kryn::script;
 namespace {
 
 ScriptLine parse(const std::string& text) {
-    auto line = parseLine(text, 7, "/tmp");
+    auto line = parseLine(text, 7, ByteDataSource{"/tmp"});
     EXPECT_TRUE(line.has_value());
     return line.value_or(ScriptLine{});
 }
@@ -22,9 +22,9 @@ ScriptLine parse(const std::string& text) {
 } // namespace
 
 TEST(LineParser, SkipsBlankAndCommentLines) {
-    EXPECT_FALSE(parseLine("", 1, "."));
-    EXPECT_FALSE(parseLine("   \t\r", 1, "."));
-    EXPECT_FALSE(parseLine("  # SetColor 1 0", 1, "."));
+    EXPECT_FALSE(parseLine("", 1));
+    EXPECT_FALSE(parseLine("   \t\r", 1));
+    EXPECT_FALSE(parseLine("  # SetColor 1 0", 1));
 }
 
 TEST(LineParser, ReadsNameNumbersAndTrailingComment) {
@@ -65,7 +65,7 @@ TEST(LineParser, RefusesMalformedText) {
          {"1Init", "X [1 2", "X 1]", "X [[1]]", "X [hex:00]", "X 12abc", "X 0x", "X nan", "X inf",
           "X hex:0", "X hex:zz", "X seed:1", "X fill:0x100:2", "X 99999999999999999999999",
           "X {1 2", "X [{1 2 3 4 hex:}]", "Init,1"}) {
-        EXPECT_THROW(parseLine(text, 1, "."), ScriptError) << text;
+        EXPECT_THROW(parseLine(text, 1), ScriptError) << text;
     }
 }
 
@@ -79,7 +79,7 @@ TEST(ByteData, XorshiftStreamMatchesItsDefinition) {
     EXPECT_EQ(bytes[0], state & 0xFF);
     EXPECT_EQ(state, 0x00042021u);
     EXPECT_EQ(xorshiftBytes(0, 16), xorshiftBytes(1, 16)) << "seed 0 is taken as 1";
-    EXPECT_EQ(decodeByteData("seed:1:3", "."), bytes);
+    EXPECT_EQ(decodeByteData("seed:1:3", ByteDataSource{}), bytes);
 }
 
 TEST(ByteData, ReadsFilesRelativeToTheScript) {
@@ -88,7 +88,17 @@ TEST(ByteData, ReadsFilesRelativeToTheScript) {
         std::ofstream out(dir + "/bytes.bin", std::ios::binary);
         out << "\x01\x02\x03";
     }
-    EXPECT_EQ(decodeByteData("file:bytes.bin", dir), (std::vector<uint8_t>{1, 2, 3}));
-    EXPECT_THROW(decodeByteData("file:missing.bin", dir), ScriptError);
+    EXPECT_EQ(decodeByteData("file:bytes.bin", ByteDataSource{dir}),
+              (std::vector<uint8_t>{1, 2, 3}));
+    EXPECT_THROW(decodeByteData("file:missing.bin", ByteDataSource{dir}), ScriptError);
+    EXPECT_THROW(decodeByteData("file:bytes.bin", ByteDataSource{dir, false}), ScriptError);
     std::remove((dir + "/bytes.bin").c_str());
+}
+
+TEST(ByteData, RefusesDataOverTheLimit) {
+    const ByteDataSource small{".", true, 4};
+    EXPECT_EQ(decodeByteData("fill:0x7:4", small).size(), 4u);
+    for (const char* token : {"fill:0x7:5", "seed:3:5", "hex:0102030405"}) {
+        EXPECT_THROW(decodeByteData(token, small), ScriptError) << token;
+    }
 }

@@ -13,9 +13,6 @@ namespace kryn::script {
 
 namespace {
 
-// The largest array or sample buffer a script may make the player build.
-constexpr int64_t MAX_ELEMENTS = int64_t{1} << 28;
-
 struct IntRange {
     int64_t min;
     uint64_t max;
@@ -224,11 +221,11 @@ int64_t readLength(const ParamSpec& spec, const CallFrame& frame) {
     return count <= 0 ? 0 : count * spec.length.perCount;
 }
 
-int64_t checkedProduct(int64_t a, int64_t b) {
+int64_t checkedProduct(int64_t a, int64_t b, int64_t limit) {
     if (a <= 0 || b <= 0) {
         return 0;
     }
-    if (a > MAX_ELEMENTS / b) {
+    if (a > limit / b) {
         throw ScriptError("data of " + std::to_string(a) + " x " + std::to_string(b) +
                           " bytes is too large for the player");
     }
@@ -236,8 +233,8 @@ int64_t checkedProduct(int64_t a, int64_t b) {
 }
 
 template <class T>
-void padTo(std::vector<T>& v, int64_t length) {
-    if (length > MAX_ELEMENTS) {
+void padTo(std::vector<T>& v, int64_t length, int64_t maxBytes) {
+    if (length > maxBytes / static_cast<int64_t>(sizeof(T))) {
         throw ScriptError("a count of " + std::to_string(length) + " is too large for the player");
     }
     if (static_cast<int64_t>(v.size()) < length) {
@@ -247,31 +244,35 @@ void padTo(std::vector<T>& v, int64_t length) {
 
 // Pads arrays to what the call reads so the engine never reads past the
 // player's memory.
-void padArgument(BoundArg& arg, const ParamSpec& spec, const CallFrame& frame) {
+void padArgument(BoundArg& arg, const ParamSpec& spec, const CallFrame& frame, int64_t maxBytes) {
     if (arg.isNull) {
         return;
     }
     switch (spec.type) {
     case ParamType::ArrayI32:
-        padTo(arg.i32, readLength(spec, frame));
+        padTo(arg.i32, readLength(spec, frame), maxBytes);
         break;
     case ParamType::ArrayI16:
-        padTo(arg.i16, readLength(spec, frame));
+        padTo(arg.i16, readLength(spec, frame), maxBytes);
         break;
     case ParamType::ArrayU16:
-        padTo(arg.u16, readLength(spec, frame));
+        padTo(arg.u16, readLength(spec, frame), maxBytes);
         break;
     case ParamType::ArrayU32:
-        padTo(arg.u32, readLength(spec, frame));
+        padTo(arg.u32, readLength(spec, frame), maxBytes);
         break;
     case ParamType::Bytes:
-        padTo(arg.bytes, readLength(spec, frame));
+        padTo(arg.bytes, readLength(spec, frame), maxBytes);
         break;
     case ParamType::Image:
-        padTo(arg.bytes, checkedProduct(std::abs(int64_t{arg.image.rowStride}), arg.image.height));
+        padTo(arg.bytes,
+              checkedProduct(std::abs(int64_t{arg.image.rowStride}), arg.image.height, maxBytes),
+              maxBytes);
         break;
     case ParamType::Screen:
-        padTo(arg.bytes, checkedProduct(std::abs(int64_t{arg.tile.bytesPerRow}), arg.tile.height));
+        padTo(arg.bytes,
+              checkedProduct(std::abs(int64_t{arg.tile.bytesPerRow}), arg.tile.height, maxBytes),
+              maxBytes);
         arg.tile.data = arg.bytes.data();
         break;
     default:
@@ -313,7 +314,7 @@ size_t writtenInputs(const OperationSpec& op) {
 
 } // namespace
 
-CallFrame bindArguments(const OperationSpec& op, const ScriptLine& line) {
+CallFrame bindArguments(const OperationSpec& op, const ScriptLine& line, size_t maxBytes) {
     const size_t inputs = writtenInputs(op);
     const bool outputsWritten = line.args.size() == op.params.size() && inputs != op.params.size();
     if (line.args.size() != inputs && !outputsWritten) {
@@ -330,7 +331,7 @@ CallFrame bindArguments(const OperationSpec& op, const ScriptLine& line) {
         bindOne(frame.args[i], op.params[i], line.args[written++]);
     }
     for (size_t i = 0; i < op.params.size(); ++i) {
-        padArgument(frame.args[i], op.params[i], frame);
+        padArgument(frame.args[i], op.params[i], frame, static_cast<int64_t>(maxBytes));
     }
     std::vector<void*> copied;
     for (size_t i = 0; i < op.params.size(); ++i) {

@@ -11,7 +11,9 @@ namespace kryn::script {
 // binds them. Throws ScriptError, having allocated nothing, when the line
 // does not fit the operation. Image samples are copied into GlobalAlloc
 // buffers last, so a failing line never leaves a buffer behind.
-CallFrame bindArguments(const OperationSpec& op, const ScriptLine& line);
+// maxBytes bounds the memory one argument may take after padding.
+CallFrame bindArguments(const OperationSpec& op, const ScriptLine& line,
+                        size_t maxBytes = size_t{1} << 30);
 
 // Frees the image buffers a call left with the caller.
 void releaseKeptBuffers(CallFrame& frame);

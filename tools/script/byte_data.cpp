@@ -9,9 +9,6 @@ namespace kryn::script {
 
 namespace {
 
-// Byte data larger than this is refused rather than allocated.
-constexpr uint64_t MAX_BYTE_DATA = uint64_t{1} << 30;
-
 int hexDigit(char c) {
     if (c >= '0' && c <= '9') {
         return c - '0';
@@ -45,9 +42,9 @@ uint64_t parseUnsigned(std::string_view text, std::string_view what) {
     return value;
 }
 
-size_t parseLength(std::string_view text) {
+size_t parseLength(std::string_view text, const ByteDataSource& source) {
     uint64_t length = parseUnsigned(text, "length");
-    if (length > MAX_BYTE_DATA) {
+    if (length > source.maxBytes) {
         throw ScriptError("byte data of " + std::string(text) + " bytes is too large");
     }
     return static_cast<size_t>(length);
@@ -69,19 +66,27 @@ std::vector<uint8_t> decodeHex(std::string_view digits) {
     return out;
 }
 
-std::vector<uint8_t> readFile(std::string_view relative, const std::string& baseDirectory) {
+std::vector<uint8_t> readFile(std::string_view relative, const ByteDataSource& source) {
     if (relative.empty()) {
         throw ScriptError("file: needs a path");
     }
+    if (!source.allowFiles) {
+        throw ScriptError("file: data is not allowed here");
+    }
     std::string path(relative);
-    if (path[0] != '/' && !baseDirectory.empty()) {
-        path = baseDirectory + "/" + path;
+    if (path[0] != '/' && !source.baseDirectory.empty()) {
+        path = source.baseDirectory + "/" + path;
     }
     std::ifstream in(path, std::ios::binary);
     if (!in) {
         throw ScriptError("cannot read file '" + path + "'");
     }
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in),
+                               std::istreambuf_iterator<char>()};
+    if (bytes.size() > source.maxBytes) {
+        throw ScriptError("file '" + path + "' is too large");
+    }
+    return bytes;
 }
 
 // Splits "A:B" at the first colon.
@@ -113,12 +118,15 @@ std::vector<uint8_t> xorshiftBytes(uint32_t seed, size_t length) {
     return out;
 }
 
-std::vector<uint8_t> decodeByteData(std::string_view token, const std::string& baseDirectory) {
+std::vector<uint8_t> decodeByteData(std::string_view token, const ByteDataSource& source) {
     if (token.starts_with("hex:")) {
+        if (token.size() - 4 > 2 * source.maxBytes) {
+            throw ScriptError("hex: data is too large");
+        }
         return decodeHex(token.substr(4));
     }
     if (token.starts_with("file:")) {
-        return readFile(token.substr(5), baseDirectory);
+        return readFile(token.substr(5), source);
     }
     if (token.starts_with("seed:")) {
         auto [seed, length] = splitColon(token.substr(5), "seed:");
@@ -126,7 +134,7 @@ std::vector<uint8_t> decodeByteData(std::string_view token, const std::string& b
         if (n > UINT32_MAX) {
             throw ScriptError("seed " + std::string(seed) + " does not fit 32 bits");
         }
-        return xorshiftBytes(static_cast<uint32_t>(n), parseLength(length));
+        return xorshiftBytes(static_cast<uint32_t>(n), parseLength(length, source));
     }
     if (token.starts_with("fill:")) {
         auto [value, length] = splitColon(token.substr(5), "fill:");
@@ -134,7 +142,7 @@ std::vector<uint8_t> decodeByteData(std::string_view token, const std::string& b
         if (byte > 0xFF) {
             throw ScriptError("fill byte " + std::string(value) + " does not fit 8 bits");
         }
-        return std::vector<uint8_t>(parseLength(length), static_cast<uint8_t>(byte));
+        return std::vector<uint8_t>(parseLength(length, source), static_cast<uint8_t>(byte));
     }
     throw ScriptError("unknown byte data '" + std::string(token) + "'");
 }

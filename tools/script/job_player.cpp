@@ -115,7 +115,7 @@ void JobPlayer::endEngine(int lineNumber, bool traced) {
 }
 
 void JobPlayer::init(const ScriptLine& line) {
-    CallFrame f = bindArguments(INIT_SPEC, line);
+    CallFrame f = bindArguments(INIT_SPEC, line, options_.maxBytes);
     if (engine_ != nullptr) {
         endEngine(line.number, true);
     }
@@ -133,7 +133,7 @@ void JobPlayer::playLine(const ScriptLine& line) {
         return;
     }
     if (line.name == "Restart") {
-        CallFrame f = bindArguments(RESTART_SPEC, line);
+        CallFrame f = bindArguments(RESTART_SPEC, line, options_.maxBytes);
         restartsLeft_ = f.scalar<uint32_t>(0);
         return;
     }
@@ -141,7 +141,7 @@ void JobPlayer::playLine(const ScriptLine& line) {
     if (op == nullptr) {
         throw ScriptError("unknown operation '" + line.name + "'");
     }
-    CallFrame frame = bindArguments(*op, line);
+    CallFrame frame = bindArguments(*op, line, options_.maxBytes);
     if (!initSeen_) {
         releaseKeptBuffers(frame);
         throw ScriptError("no engine: the first call must be Init");
@@ -168,10 +168,11 @@ void JobPlayer::playLine(const ScriptLine& line) {
 PlayResult JobPlayer::run(std::istream& script) {
     std::string text;
     int number = 0;
+    const ByteDataSource source{baseDirectory_, options_.allowFiles, options_.maxBytes};
     try {
         while (std::getline(script, text)) {
             ++number;
-            if (auto line = parseLine(text, number, baseDirectory_)) {
+            if (auto line = parseLine(text, number, source)) {
                 playLine(*line);
             }
         }

@@ -69,8 +69,8 @@ Value parseNumber(std::string_view token) {
 
 class LineReader {
   public:
-    LineReader(std::string_view text, const std::string& baseDirectory)
-        : text_(text), base_(baseDirectory) {}
+    LineReader(std::string_view text, const ByteDataSource& source)
+        : text_(text), source_(source) {}
 
     bool atEnd() {
         skipSpace();
@@ -112,7 +112,7 @@ class LineReader {
             Value v;
             v.kind = Value::Kind::Bytes;
             v.text = std::string(token.substr(0, token.find(':') + 1)) + "...";
-            v.bytes = decodeByteData(token, base_);
+            v.bytes = decodeByteData(token, source_);
             return v;
         }
         return parseScalar(token);
@@ -144,7 +144,7 @@ class LineReader {
     }
 
     std::string_view text_;
-    const std::string& base_;
+    const ByteDataSource& source_;
     size_t pos_ = 0;
 };
 
@@ -173,12 +173,12 @@ Value parseScalar(std::string_view token) {
 }
 
 std::optional<ScriptLine> parseLine(std::string_view text, int number,
-                                    const std::string& baseDirectory) {
+                                    const ByteDataSource& source) {
     size_t hash = text.find('#');
     if (hash != std::string_view::npos) {
         text = text.substr(0, hash);
     }
-    LineReader reader(text, baseDirectory);
+    LineReader reader(text, source);
     if (reader.atEnd()) {
         return std::nullopt;
     }

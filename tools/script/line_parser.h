@@ -1,6 +1,7 @@
 // Reads one line of a job script into a name and written values.
 #pragma once
 
+#include "byte_data.h"
 #include "script_value.h"
 
 #include <optional>
@@ -10,10 +11,10 @@
 namespace kryn::script {
 
 // Parses one line. Returns nothing for a blank or comment-only line. Byte
-// data named by file: is read relative to baseDirectory. Throws ScriptError
-// for text that is not a well-formed line.
+// data is decoded from source. Throws ScriptError for text that is not a
+// well-formed line.
 std::optional<ScriptLine> parseLine(std::string_view text, int number,
-                                    const std::string& baseDirectory);
+                                    const ByteDataSource& source = {});
 
 // Parses a single value token (a number or null), as a line would.
 Value parseScalar(std::string_view token);
