@@ -122,6 +122,11 @@ void JobPlayer::init(const ScriptLine& line) {
     engine_ = KRYNInit(f.scalar<int32_t>(0), f.scalar<int32_t>(1), f.scalar<int16_t>(2),
                        f.scalar<uint16_t>(3), f.scalar<uint16_t>(4));
     initSeen_ = true;
+    if (engine_ != nullptr && options_.onInit) {
+        options_.onInit(static_cast<uint32_t>(f.scalar<int32_t>(0)) + 1,
+                        static_cast<uint32_t>(f.scalar<int32_t>(1)) + 1,
+                        static_cast<uint32_t>(f.scalar<int16_t>(2)));
+    }
     if (options_.trace != nullptr) {
         *options_.trace << line.number << " Init " << (engine_ != nullptr ? "ok" : "null") << '\n';
     }

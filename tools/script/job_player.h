@@ -27,8 +27,11 @@ struct PlayerOptions {
     std::ostream* stream = nullptr; // the bytes of every stream data and end call
     std::function<void(const RasterDelivery&)> onRaster; // every raster delivery
     std::function<void()> onPageClosed;                  // after every ClosePage call
-    bool allowFiles = true;                              // file: byte data may be read
-    size_t maxBytes = size_t{1} << 30;                   // the most one argument's data may take
+    // After an Init that opened an engine: page width and height in pixels
+    // (the Init arguments + 1) and the band height.
+    std::function<void(uint32_t, uint32_t, uint32_t)> onInit;
+    bool allowFiles = true;            // file: byte data may be read
+    size_t maxBytes = size_t{1} << 30; // the most one argument's data may take
 };
 
 struct PlayResult {

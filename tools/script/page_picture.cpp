@@ -1,0 +1,181 @@
+#include "page_picture.h"
+
+#include <png.h>
+
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <memory>
+
+namespace kryn::script {
+
+namespace {
+
+uint32_t roundUp8(uint64_t n) {
+    return static_cast<uint32_t>((n + 7) / 8 * 8);
+}
+
+uint32_t readWord(const uint8_t* p) {
+    return uint32_t{p[0]} | uint32_t{p[1]} << 8 | uint32_t{p[2]} << 16 | uint32_t{p[3]} << 24;
+}
+
+// Tag bits a delivered 32-bit raster carries at run heads.
+constexpr uint32_t TAG_LONG_RUN = 0x10;  // the next word holds the run length
+constexpr uint32_t TAG_BLANK_ROW = 0x20; // the rest of the row is white
+
+bool endsWith(const std::string& s, const char* suffix) {
+    size_t n = std::strlen(suffix);
+    return s.size() >= n && s.compare(s.size() - n, n, suffix) == 0;
+}
+
+// libpng reports errors by longjmp, so this part holds nothing with a
+// destructor: the pixels arrive packed, one row after another.
+bool encodePng(FILE* file, uint32_t width, uint32_t height, bool colour, const uint8_t* pixels) {
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png != nullptr ? png_create_info_struct(png) : nullptr;
+    if (info == nullptr || setjmp(png_jmpbuf(png))) {
+        png_destroy_write_struct(&png, &info);
+        return false;
+    }
+    png_init_io(png, file);
+    png_set_IHDR(png, info, width, height, 8, colour ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_GRAY,
+                 PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    png_write_info(png, info);
+    const size_t rowBytes = size_t{width} * (colour ? 3 : 1);
+    for (uint32_t y = 0; y < height; ++y) {
+        png_write_row(png, pixels + y * rowBytes);
+    }
+    png_write_end(png, nullptr);
+    png_destroy_write_struct(&png, &info);
+    return true;
+}
+
+// The picture's pixels as the file stores them: RGB, or one grey byte (the
+// green channel) per pixel.
+std::vector<uint8_t> packedPixels(const PagePicture& picture, bool colour) {
+    if (colour) {
+        return picture.rgb();
+    }
+    std::vector<uint8_t> grey(picture.rgb().size() / 3);
+    for (size_t i = 0; i < grey.size(); ++i) {
+        grey[i] = picture.rgb()[3 * i + 1];
+    }
+    return grey;
+}
+
+bool writePng(const PagePicture& picture, const std::string& path, std::string& error) {
+    std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "wb"), std::fclose);
+    const std::vector<uint8_t> pixels = packedPixels(picture, picture.isColour());
+    if (!file || !encodePng(file.get(), picture.width(), picture.height(), picture.isColour(),
+                            pixels.data())) {
+        error = "cannot write '" + path + "'";
+        return false;
+    }
+    return true;
+}
+
+bool writeNetpbm(const PagePicture& picture, const std::string& path, bool colour,
+                 std::string& error) {
+    std::ofstream out(path, std::ios::binary);
+    out << (colour ? "P6\n" : "P5\n") << picture.width() << ' ' << picture.height() << "\n255\n";
+    const std::vector<uint8_t>& rgb = picture.rgb();
+    if (colour) {
+        out.write(reinterpret_cast<const char*>(rgb.data()),
+                  static_cast<std::streamsize>(rgb.size()));
+    } else {
+        std::vector<char> grey(rgb.size() / 3);
+        for (size_t i = 0; i < grey.size(); ++i) {
+            grey[i] = static_cast<char>(rgb[3 * i + 1]);
+        }
+        out.write(grey.data(), static_cast<std::streamsize>(grey.size()));
+    }
+    if (!out) {
+        error = "cannot write '" + path + "'";
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+PagePicture::PagePicture(uint32_t width, uint32_t height, uint32_t bandHeight)
+    : width_(width), height_(height), bandHeight_(bandHeight),
+      rgb_(size_t{width} * height * 3, 0xFF) {}
+
+void PagePicture::placeBand(const RasterDelivery& d) {
+    if (bandHeight_ == 0 || d.bytes == 0) {
+        return;
+    }
+    const uint64_t top = uint64_t{d.band} * bandHeight_;
+    if (top >= height_) {
+        return;
+    }
+    const uint32_t greyStride = roundUp8(width_);
+    const uint32_t colourStride = roundUp8(uint64_t{width_} * 4);
+    const bool wholeBandRect = d.rect != nullptr && d.code != CB_RASTER_BOX;
+    // 8-bit rasters: the standard code whose rectangle spans the row bytes,
+    // and black-and-white bands of colour pages.
+    const bool grey =
+        d.code == CB_RASTER_DIRECT ||
+        (d.code == CB_RASTER_STANDARD && wholeBandRect && d.rect->right + 1 == greyStride &&
+         d.bytes % greyStride == 0 && d.bytes / greyStride == d.rect->bottom + 1);
+    if (grey && d.bytes % greyStride == 0) {
+        placeGrey(d.data, greyStride, d.bytes / greyStride, static_cast<uint32_t>(top));
+    } else if (!grey && d.bytes % colourStride == 0) {
+        colour_ = true;
+        placeColour(d.data, colourStride / 4, d.bytes / colourStride, static_cast<uint32_t>(top));
+    }
+}
+
+void PagePicture::placeGrey(const uint8_t* raster, uint32_t stride, uint32_t rows, uint32_t top) {
+    for (uint32_t r = 0; r < rows && top + r < height_; ++r) {
+        uint8_t* dst = rgb_.data() + (size_t{top} + r) * width_ * 3;
+        const uint8_t* src = raster + size_t{r} * stride;
+        for (uint32_t x = 0; x < width_; ++x) {
+            dst[3 * x] = dst[3 * x + 1] = dst[3 * x + 2] = src[x];
+        }
+    }
+}
+
+// 32-bit rows arrive with their runs marked: a run head whose tag has
+// TAG_LONG_RUN carries its length in the next word (the pixels it covers are
+// the head's colour); TAG_BLANK_ROW on a head means the row is white from
+// there on; any other pixel stands for itself.
+void PagePicture::placeColour(const uint8_t* raster, uint32_t strideWords, uint32_t rows,
+                              uint32_t top) {
+    for (uint32_t r = 0; r < rows && top + r < height_; ++r) {
+        uint8_t* dst = rgb_.data() + (size_t{top} + r) * width_ * 3;
+        const uint8_t* src = raster + size_t{r} * strideWords * 4;
+        uint32_t x = 0;
+        while (x < width_) {
+            uint32_t word = readWord(src + size_t{x} * 4);
+            uint32_t tag = word >> 24;
+            if ((tag & TAG_BLANK_ROW) != 0) {
+                break; // the picture is already white
+            }
+            uint32_t length = 1;
+            if ((tag & TAG_LONG_RUN) != 0 && x + 1 < strideWords) {
+                length = readWord(src + size_t{x + 1} * 4);
+                length = length == 0 ? 1 : length;
+            }
+            for (uint32_t i = 0; i < length && x < width_; ++i, ++x) {
+                dst[3 * x] = static_cast<uint8_t>(word);
+                dst[3 * x + 1] = static_cast<uint8_t>(word >> 8);
+                dst[3 * x + 2] = static_cast<uint8_t>(word >> 16);
+            }
+        }
+    }
+}
+
+bool writePicture(const PagePicture& picture, const std::string& path, std::string& error) {
+    if (endsWith(path, ".png")) {
+        return writePng(picture, path, error);
+    }
+    if (endsWith(path, ".ppm") || endsWith(path, ".pgm")) {
+        return writeNetpbm(picture, path, endsWith(path, ".ppm"), error);
+    }
+    error = "'" + path + "': the picture must end in .png, .pgm or .ppm";
+    return false;
+}
+
+} // namespace kryn::script
