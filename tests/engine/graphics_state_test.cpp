@@ -82,6 +82,22 @@ TEST_F(GraphicsStateStack, PushedStateContinuesTheCurrentSubpath) {
     EXPECT_EQ(dumpPath(topOf(e()).path).subpaths[0].segments.size(), 3u);
 }
 
+TEST_F(GraphicsStateStack, ContinuationOfASubpathWithoutSegments) {
+    ASSERT_EQ(KRYNMoveTo(3, 4, e()), KRYN_OK);
+    const PathDump before = dumpPath(topOf(e()).path);
+    ASSERT_EQ(KRYNPushGState(e()), KRYN_OK);
+    const int32_t p[] = {8, 9};
+    ASSERT_EQ(KRYNLinesTo(p, 1, e()), KRYN_OK);
+    ASSERT_EQ(KRYNPushGState(e()), KRYN_OK); // a continuation of a continuation
+    ASSERT_EQ(KRYNLinesTo(p, 1, e()), KRYN_OK);
+    EXPECT_EQ(topOf(e()).depth, 2);
+    ASSERT_EQ(KRYNPopGState(e()), KRYN_OK);
+    EXPECT_EQ(dumpPath(topOf(e()).path).subpaths.back().segments.size(), 1u);
+    ASSERT_EQ(KRYNPopGState(e()), KRYN_OK);
+    EXPECT_EQ(dumpPath(topOf(e()).path), before);
+    EXPECT_EQ(topOf(e()).path.last->firstSegment, nullptr);
+}
+
 TEST_F(GraphicsStateStack, PushedStateAfterCloseStartsWithoutContinuation) {
     ASSERT_EQ(KRYNRectPath(0, 0, 5, 5, e()), KRYN_OK);
     const PathDump before = dumpPath(topOf(e()).path);
