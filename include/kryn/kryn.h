@@ -118,6 +118,77 @@ KRYN_EXPORT ResultCode KRYNSetReverseSide(Engine* e);
  * reverse-side offsets (0 unless the page is set to the reverse side). */
 KRYN_EXPORT ResultCode KRYNGetPageInfo(uint16_t out[6], Engine* e);
 
+/* ---- Graphics state stack and page-wide settings -------------------- */
+
+/* Saves the current graphics state (transformation, path, line and colour
+ * parameters, screen); the saved copy carries the current point, so a path
+ * may go on in the pushed state. KRYN_ERR_INVALID without an open page. */
+KRYN_EXPORT ResultCode KRYNPushGState(Engine* e);
+/* Brings back the state saved by the matching push.
+ * KRYN_ERR_GSTATE_UNDERFLOW when nothing was pushed. */
+KRYN_EXPORT ResultCode KRYNPopGState(Engine* e);
+/* 0: 32-bit colour rasters, 1: 8-bit grey rasters (from device level
+ * 0x8003 on); other values are accepted and ignored. Needs an open page. */
+KRYN_EXPORT ResultCode KRYNSelectSpace(int32_t space, Engine* e);
+/* Stores three colour attribute bytes for the renderer; no page needed. */
+KRYN_EXPORT ResultCode KRYNColorAttribute(uint32_t a, uint32_t b, uint32_t c, Engine* e);
+/* Quantises rendering to the engine's resolution (300 or 600 dpi only). */
+KRYN_EXPORT ResultCode KRYNSetQuantization(Engine* e);
+
+/* ---- Transformation ---------------------------------------------------- */
+
+/* Device x = a*x + c*y + tx, device y = b*x + d*y + ty for m = {a, b, c, d,
+ * tx, ty}. KRYN_ERR_INVALID for a singular matrix (nothing changes). The
+ * first right-angle matrix of a page fixes the page orientation. */
+KRYN_EXPORT ResultCode KRYNSetMatrix(const int32_t m[6], Engine* e);
+/* Multiplies the linear part by s. KRYN_ERR_INVALID when s makes it singular. */
+KRYN_EXPORT ResultCode KRYNSetScale(float s, Engine* e);
+/* Moves every later device point by (dx, dy) pixels. */
+KRYN_EXPORT ResultCode KRYNSetTranslation(int32_t dx, int32_t dy, Engine* e);
+
+/* ---- Paths ------------------------------------------------------------- */
+
+/* Path calls take user coordinates through the current transformation. A
+ * call that fails (KRYN_ERR_NO_MEMORY) leaves the path exactly as before. */
+KRYN_EXPORT ResultCode KRYNNewPath(Engine* e);
+KRYN_EXPORT ResultCode KRYNMoveTo(int32_t x, int32_t y, Engine* e);
+KRYN_EXPORT ResultCode KRYNMoveTo16(int16_t x, int16_t y, Engine* e);
+/* count (x, y) pairs. KRYN_ERR_INVALID for count < 1 or a null array,
+ * KRYN_ERR_NO_CURRENT_POINT without a current point. */
+KRYN_EXPORT ResultCode KRYNLinesTo(const int32_t* points, int16_t count, Engine* e);
+KRYN_EXPORT ResultCode KRYNLinesTo16(const int16_t* points, int16_t count, Engine* e);
+KRYN_EXPORT ResultCode KRYNClosePath(Engine* e);
+/* Keeps the current path for exactly one more painting call. */
+KRYN_EXPORT ResultCode KRYNSealedPath(Engine* e);
+
+/* Control 1, control 2, end. KRYN_ERR_NO_CURRENT_POINT without a current
+ * point or for a null array. */
+KRYN_EXPORT ResultCode KRYNBezier3To(const int32_t points[6], Engine* e);
+KRYN_EXPORT ResultCode KRYNBezier3To16(const int16_t points[6], Engine* e);
+/* count points, taken in groups of three; KRYN_ERR_INVALID unless count is
+ * a positive multiple of 3. */
+KRYN_EXPORT ResultCode KRYNGroupBezier3To(const int32_t* points, uint16_t count, Engine* e);
+KRYN_EXPORT ResultCode KRYNGroupBezier3To16(const int16_t* points, uint16_t count, Engine* e);
+/* Arcs of the ellipse in the box (left, top, right, bottom) from the ray
+ * through the start point to the ray through the end point. */
+KRYN_EXPORT ResultCode KRYNArcTo(int32_t left, int32_t top, int32_t right, int32_t bottom,
+                                 int32_t xStart, int32_t yStart, int32_t xEnd, int32_t yEnd,
+                                 Engine* e);
+KRYN_EXPORT ResultCode KRYNFanPath(int32_t left, int32_t top, int32_t right, int32_t bottom,
+                                   int32_t xStart, int32_t yStart, int32_t xEnd, int32_t yEnd,
+                                   Engine* e); /* pie */
+KRYN_EXPORT ResultCode KRYNBowPath(int32_t left, int32_t top, int32_t right, int32_t bottom,
+                                   int32_t xStart, int32_t yStart, int32_t xEnd, int32_t yEnd,
+                                   Engine* e); /* chord */
+KRYN_EXPORT ResultCode KRYNEllipsePath(int32_t left, int32_t top, int32_t right, int32_t bottom,
+                                       Engine* e);
+/* KRYN_ERR_INVALID for a zero width or height. */
+KRYN_EXPORT ResultCode KRYNRectPath(int32_t x, int32_t y, int32_t width, int32_t height,
+                                    Engine* e);
+/* KRYN_ERR_INVALID unless 1 <= ex <= |width|/2 and 1 <= ey <= |height|/2. */
+KRYN_EXPORT ResultCode KRYNRoundRectPath(int32_t x, int32_t y, int32_t width, int32_t height,
+                                         int32_t ex, int32_t ey, Engine* e);
+
 /* ---- Colour and raster operations ------------------------------------ */
 
 /* These setters change the current graphics state of the open page

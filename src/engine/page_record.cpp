@@ -57,6 +57,7 @@ void destroyPageRecord(PageRecord* page) {
     }
     freeAndClear(page->clipRegionHold);
     freeAndClear(page->regionHold);
+    releasePathPool(page->pathPool);
     freeBytes(page);
 }
 

@@ -3,6 +3,7 @@
 
 #include "engine/engine.h"
 #include "engine/result_codes.h"
+#include "geometry/path_pool.h"
 #include "paint/paint_descriptor.h"
 
 #include <cstdint>
@@ -83,6 +84,7 @@ struct PageRecord {
     int32_t pageQuarterTurns = -1; // orientation; -1 until established
     uint32_t colourSpace = 0;
     uint16_t reverseOrder = 0;
+    PathPool pathPool;          // every subpath and segment of the page's paths
     BandEntry* bands = nullptr; // bandCount entries, in the same allocation
 };
 

@@ -14,6 +14,9 @@ struct BandRenderer {
     int32_t bandHeight = 0; // rows per band
     uint8_t colourAttr[3] = {0, 0, 0};
     uint32_t colourSpace = 0;
+    // Channel defaults from KRYNColorAttribute, each value in the top byte.
+    uint32_t channelDefault[3] = {0, 0, 0};
+    uint32_t secondChannelWord = 0; // the second value on top, low 24 bits set
 };
 
 struct RendererGeometry {

@@ -10,9 +10,32 @@ namespace {
 // Parameter shorthands, so each table row reads like its C prototype.
 const ParamSpec I16{ParamType::I16};
 const ParamSpec U16{ParamType::U16};
+const ParamSpec I32{ParamType::I32};
 const ParamSpec U32{ParamType::U32};
+const ParamSpec F32{ParamType::F32};
 const ParamSpec COLOUR{ParamType::OneU32};
 const ParamSpec OUT{ParamType::Output};
+
+ParamSpec arrayI32(int n) {
+    return {ParamType::ArrayI32, {n}};
+}
+ParamSpec arrayI16(int n) {
+    return {ParamType::ArrayI16, {n}};
+}
+// An array of perCount values for each unit of the count argument countArg.
+ParamSpec countedI32(int countArg, int perCount) {
+    return {ParamType::ArrayI32, {0, countArg, perCount}};
+}
+ParamSpec countedI16(int countArg, int perCount) {
+    return {ParamType::ArrayI16, {0, countArg, perCount}};
+}
+
+// The four (or eight) leading int32 arguments of the shape calls.
+#define ARGS4(f)                                                                                   \
+    (f).scalar<int32_t>(0), (f).scalar<int32_t>(1), (f).scalar<int32_t>(2), (f).scalar<int32_t>(3)
+#define ARGS8(f)                                                                                   \
+    ARGS4(f), (f).scalar<int32_t>(4), (f).scalar<int32_t>(5), (f).scalar<int32_t>(6),              \
+        (f).scalar<int32_t>(7)
 
 // Stores up to n output values of a call that succeeded.
 template <class T>
@@ -45,21 +68,82 @@ ResultCode getPageInfo(Engine* e, CallFrame& f) {
 
 // Sorted by name for the lookup.
 const std::array OPERATIONS = std::to_array<OperationSpec>({
+    {"ArcTo",
+     {I32, I32, I32, I32, I32, I32, I32, I32},
+     [](Engine* e, CallFrame& f) { return KRYNArcTo(ARGS8(f), e); }},
+    {"Bezier3To",
+     {arrayI32(6)},
+     [](Engine* e, CallFrame& f) { return KRYNBezier3To(f.i32(0), e); }},
+    {"Bezier3To16",
+     {arrayI16(6)},
+     [](Engine* e, CallFrame& f) { return KRYNBezier3To16(f.i16(0), e); }},
+    {"BowPath",
+     {I32, I32, I32, I32, I32, I32, I32, I32},
+     [](Engine* e, CallFrame& f) { return KRYNBowPath(ARGS8(f), e); }},
     {"ClosePage",
      {},
      [](Engine* e, CallFrame& f) { return KRYNClosePage(f.callback, f.context, e); }},
+    {"ClosePath", {}, [](Engine* e, CallFrame&) { return KRYNClosePath(e); }},
+    {"ColorAttribute",
+     {U32, U32, U32},
+     [](Engine* e, CallFrame& f) {
+         return KRYNColorAttribute(f.scalar<uint32_t>(0), f.scalar<uint32_t>(1),
+                                   f.scalar<uint32_t>(2), e);
+     }},
     {"DisposePage", {}, [](Engine* e, CallFrame&) { return KRYNDisposePage(e); }},
+    {"EllipsePath",
+     {I32, I32, I32, I32},
+     [](Engine* e, CallFrame& f) { return KRYNEllipsePath(ARGS4(f), e); }},
     {"End", {}, [](Engine* e, CallFrame&) { return KRYNEnd(e); }},
+    {"FanPath",
+     {I32, I32, I32, I32, I32, I32, I32, I32},
+     [](Engine* e, CallFrame& f) { return KRYNFanPath(ARGS8(f), e); }},
     {"GetPageInfo", {OUT}, getPageInfo},
     {"GetPageResource", {OUT, OUT}, getPageResource},
+    {"GroupBezier3To",
+     {countedI32(1, 2), U16},
+     [](Engine* e,
+        CallFrame& f) { return KRYNGroupBezier3To(f.i32(0), f.scalar<uint16_t>(1), e); }},
+    {"GroupBezier3To16",
+     {countedI16(1, 2), U16},
+     [](Engine* e,
+        CallFrame& f) { return KRYNGroupBezier3To16(f.i16(0), f.scalar<uint16_t>(1), e); }},
+    {"LinesTo",
+     {countedI32(1, 2), I16},
+     [](Engine* e, CallFrame& f) { return KRYNLinesTo(f.i32(0), f.scalar<int16_t>(1), e); }},
+    {"LinesTo16",
+     {countedI16(1, 2), I16},
+     [](Engine* e, CallFrame& f) { return KRYNLinesTo16(f.i16(0), f.scalar<int16_t>(1), e); }},
+    {"MoveTo",
+     {I32, I32},
+     [](Engine* e,
+        CallFrame& f) { return KRYNMoveTo(f.scalar<int32_t>(0), f.scalar<int32_t>(1), e); }},
+    {"MoveTo16",
+     {I16, I16},
+     [](Engine* e,
+        CallFrame& f) { return KRYNMoveTo16(f.scalar<int16_t>(0), f.scalar<int16_t>(1), e); }},
     {"NewPage",
      {I16},
      [](Engine* e, CallFrame& f) { return KRYNNewPage(f.scalar<int16_t>(0), e); }},
+    {"NewPath", {}, [](Engine* e, CallFrame&) { return KRYNNewPath(e); }},
     {"NextBand",
      {U32},
-     [](Engine* e, CallFrame& f) {
-         return KRYNNextBand(f.scalar<uint32_t>(0), f.callback, f.context, e);
-     }},
+     [](Engine* e,
+        CallFrame& f) { return KRYNNextBand(f.scalar<uint32_t>(0), f.callback, f.context, e); }},
+    {"PopGState", {}, [](Engine* e, CallFrame&) { return KRYNPopGState(e); }},
+    {"PushGState", {}, [](Engine* e, CallFrame&) { return KRYNPushGState(e); }},
+    {"RectPath",
+     {I32, I32, I32, I32},
+     [](Engine* e, CallFrame& f) { return KRYNRectPath(ARGS4(f), e); }},
+    {"RoundRectPath",
+     {I32, I32, I32, I32, I32, I32},
+     [](Engine* e,
+        CallFrame&
+            f) { return KRYNRoundRectPath(ARGS4(f), f.scalar<int32_t>(4), f.scalar<int32_t>(5), e); }},
+    {"SealedPath", {}, [](Engine* e, CallFrame&) { return KRYNSealedPath(e); }},
+    {"SelectSpace",
+     {I32},
+     [](Engine* e, CallFrame& f) { return KRYNSelectSpace(f.scalar<int32_t>(0), e); }},
     {"SetBackground",
      {U16},
      [](Engine* e, CallFrame& f) { return KRYNSetBackground(f.scalar<uint16_t>(0), e); }},
@@ -72,7 +156,19 @@ const std::array OPERATIONS = std::to_array<OperationSpec>({
     {"SetLogicalFunc2",
      {U16},
      [](Engine* e, CallFrame& f) { return KRYNSetLogicalFunc2(f.scalar<uint16_t>(0), e); }},
+    {"SetMatrix",
+     {arrayI32(6)},
+     [](Engine* e, CallFrame& f) { return KRYNSetMatrix(f.i32(0), e); }},
+    {"SetQuantization", {}, [](Engine* e, CallFrame&) { return KRYNSetQuantization(e); }},
     {"SetReverseSide", {}, [](Engine* e, CallFrame&) { return KRYNSetReverseSide(e); }},
+    {"SetScale",
+     {F32},
+     [](Engine* e, CallFrame& f) { return KRYNSetScale(f.scalar<float>(0), e); }},
+    {"SetTranslation",
+     {I32, I32},
+     [](Engine* e,
+        CallFrame&
+            f) { return KRYNSetTranslation(f.scalar<int32_t>(0), f.scalar<int32_t>(1), e); }},
 });
 
 } // namespace

@@ -1,0 +1,91 @@
+// Failed allocations while building paths: every call answers OK or
+// no-memory, a failed call leaves the path exactly as before and succeeds
+// when retried with memory back, and nothing is left allocated once the
+// engine ends.
+#include "geometry/path_dump.h"
+#include "support/alloc_sweep.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace kryn::test {
+namespace {
+
+using PathCall = std::function<ResultCode(Engine*)>;
+
+std::vector<PathCall> pathCalls() {
+    static int32_t zigzag[60];
+    for (int i = 0; i < 30; ++i) {
+        zigzag[2 * i] = 10 + i * 7;
+        zigzag[2 * i + 1] = (i % 2) * 50;
+    }
+    static const int32_t curves[] = {5,  5,  9,  40, 30, 30, 60, 0,  70,
+                                     70, 80, 10, 90, 5,  95, 90, 99, 99};
+    static const int16_t curves16[] = {1, 2, 3, 4, 5, 6};
+    return {
+        [](Engine* e) { return KRYNMoveTo(0, 0, e); },
+        [](Engine* e) { return KRYNLinesTo(zigzag, 30, e); },
+        [](Engine* e) { return KRYNGroupBezier3To(curves, 9, e); },
+        [](Engine* e) { return KRYNPushGState(e); },
+        [](Engine* e) { return KRYNLinesTo(zigzag, 12, e); },
+        [](Engine* e) { return KRYNBezier3To16(curves16, e); },
+        [](Engine* e) { return KRYNEllipsePath(0, 0, 300, 300, e); },
+        [](Engine* e) { return KRYNArcTo(0, 0, 100, 60, 100, 30, 0, 30, e); },
+        [](Engine* e) { return KRYNPopGState(e); },
+        [](Engine* e) { return KRYNClosePath(e); },
+        [](Engine* e) { return KRYNLinesTo(zigzag, 5, e); },
+        [](Engine* e) { return KRYNSetScale(1.25f, e); },
+        [](Engine* e) { return KRYNRoundRectPath(10, 10, 200, -100, 30, 20, e); },
+        [](Engine* e) { return KRYNFanPath(0, 0, 80, 80, 80, 40, 40, 80, e); },
+        [](Engine* e) { return KRYNBowPath(0, 0, 80, 50, 80, 25, 0, 25, e); },
+        [](Engine* e) { return KRYNRectPath(1, 2, 3, 4, e); },
+        [](Engine* e) { return KRYNPushGState(e); },
+        [](Engine* e) { return KRYNMoveTo16(7, 7, e); },
+        [](Engine* e) { return KRYNNewPath(e); },
+        [](Engine* e) { return KRYNPushGState(e); },
+        [](Engine* e) { return KRYNArcTo(0, 0, 50, 50, 50, 25, 25, 0, e); },
+    };
+}
+
+void buildPaths(bool injected) {
+    Engine* e = KRYNInit(499, 499, 32, 600, 0x8009);
+    if (e == nullptr) {
+        EXPECT_TRUE(injected);
+        return;
+    }
+    const ResultCode page = KRYNNewPage(3, e);
+    if (page != KRYN_OK) {
+        EXPECT_TRUE(injected && page == KRYN_ERR_NO_MEMORY);
+        KRYNEnd(e);
+        return;
+    }
+    int step = 0;
+    for (const PathCall& call : pathCalls()) {
+        const GraphicsState* before = e->pageSlot->gstateTop;
+        const PathDump dump = dumpPath(before->path);
+        const ResultCode r = call(e);
+        if (r == KRYN_ERR_NO_MEMORY) {
+            EXPECT_TRUE(injected) << "step " << step;
+            EXPECT_EQ(e->pageSlot->gstateTop, before) << "step " << step;
+            EXPECT_TRUE(dumpPath(before->path) == dump) << "path changed by failed step " << step;
+            // The path stays usable: with memory back, the same call succeeds.
+            KRYNPlatformFailAfter(-1);
+            EXPECT_EQ(call(e), KRYN_OK) << "retry of step " << step;
+        } else {
+            EXPECT_EQ(r, KRYN_OK) << "step " << step;
+        }
+        ++step;
+    }
+    EXPECT_EQ(KRYNDisposePage(e), KRYN_OK);
+    KRYNEnd(e);
+}
+
+TEST(PathAllocationSweep, EveryFailureLeavesThePathAsItWas) {
+    const SweepReport report = sweepAllocationFailures(buildPaths);
+    EXPECT_GT(report.allocations, 20u); // several pool blocks and state copies were taken
+    EXPECT_EQ(report.failedRuns, report.allocations);
+}
+
+} // namespace
+} // namespace kryn::test
