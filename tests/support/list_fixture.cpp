@@ -13,4 +13,13 @@ std::vector<uint8_t> ListTest::ops() const {
     return out;
 }
 
+std::vector<std::vector<uint8_t>> ListTest::records() const {
+    std::vector<std::vector<uint8_t>> out;
+    walkRecords(list_, [&](uint8_t op, const uint8_t* r) {
+        out.emplace_back(r, r + recordSize(op));
+        return true;
+    });
+    return out;
+}
+
 } // namespace kryn::test

@@ -54,8 +54,9 @@ class ListTest : public ::testing::Test {
         data.resize(data.size() - 4);
         return data;
     }
-    // Opcodes of the records in the list, in order.
+    // Opcodes of the records in the list, in order, and the records' bytes.
     std::vector<uint8_t> ops() const;
+    std::vector<std::vector<uint8_t>> records() const;
 
     EnginePtr engine_;
     PageRecord* page_ = nullptr;
