@@ -7,6 +7,8 @@
 
 #include "engine/result_codes.h"
 
+#include <cstdint>
+
 namespace kryn {
 
 struct BandEntry;
@@ -21,5 +23,28 @@ ResultCode syncBandState(PageRecord* page, BandEntry* band, DisplayList* list);
 // monochrome rule: the band stops counting as black-and-white once a screen
 // or a colour other than black or white reaches it.
 ResultCode syncBandForSpans(PageRecord* page, BandEntry* band, DisplayList* list);
+
+// What an image recorder is about to write.
+enum class ImageRecordKind {
+    MASK,   // 131: a stencil painted in the image colours
+    BITMAP, // 130 or 146 with 1-bit pixels
+    OTHER,  // 130 or 146 with any other pixel format
+};
+
+// Where the first device pixel falls in the source: the bit within its
+// source byte (1-bit data) and, for scaled images, the device rows and
+// columns inside its scaled source pixel.
+struct ImagePhase {
+    uint32_t bitOffset;
+    uint32_t rowOffset;
+    uint32_t columnOffset;
+};
+
+// syncBandState wrapped in what the image recorders add around it: the
+// image phase records, image opacity, image colours (1-bit images send both
+// colours every time), the pattern of pattern paints, and the key-1 blend
+// data. Images other than masks end the band's black-and-white state.
+ResultCode syncBandForImage(PageRecord* page, BandEntry* band, DisplayList* list,
+                            ImageRecordKind kind, bool scaled, const ImagePhase& phase);
 
 } // namespace kryn

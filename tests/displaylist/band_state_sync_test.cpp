@@ -118,5 +118,41 @@ TEST_F(BandStateSyncTest, OlderDevicesGetTheScreenPhaseInEightBits) {
     }
 }
 
+TEST_F(BandStateSyncTest, MasksSendTheirPhaseAndChangedImageColours) {
+    paint().imageColour = 0x0000FF;
+    const ImagePhase phase{3, 0, 0};
+    ASSERT_EQ(syncBandForImage(page_, band(), list_, ImageRecordKind::MASK, false, phase), KRYN_OK);
+    ASSERT_EQ(syncBandForImage(page_, band(), list_, ImageRecordKind::MASK, false, phase), KRYN_OK);
+    EXPECT_EQ(ops(), (Ops{DL_OP_IMAGE_MODE, DL_OP_IMAGE_COLOUR}));
+    EXPECT_EQ(band()->bandMonochrome, 0); // a coloured mask
+}
+
+TEST_F(BandStateSyncTest, OneBitImagesSendBothColoursEveryTime) {
+    paint().imageOpaque = 0;
+    const ImagePhase phase{0, 2, 5};
+    ASSERT_EQ(syncBandForImage(page_, band(), list_, ImageRecordKind::BITMAP, true, phase),
+              KRYN_OK);
+    ASSERT_EQ(syncBandForImage(page_, band(), list_, ImageRecordKind::BITMAP, true, phase),
+              KRYN_OK);
+    EXPECT_EQ(ops(), (Ops{DL_OP_IMAGE_ORIGIN, DL_OP_SET_OPAQUE, DL_OP_IMAGE_COLOUR,
+                          DL_OP_IMAGE_BACK_COLOUR, DL_OP_IMAGE_COLOUR, DL_OP_IMAGE_BACK_COLOUR}));
+    EXPECT_EQ(record(DL_OP_SET_OPAQUE), (Ops{DL_OP_SET_OPAQUE, 0, 0, 0}));
+    EXPECT_EQ(band()->bandMonochrome, 0);
+}
+
+TEST_F(BandStateSyncTest, OtherImagesSendThePatternAndKeyOneDataOnce) {
+    paint().paintKind = 8;
+    paint().paintIndex = 4;
+    paint().blendOn = 1;
+    paint().blendSelectB = 2;
+    band()->lastBlendOn = 1;
+    const ImagePhase phase{0, 0, 0};
+    for (int i = 0; i < 2; ++i) {
+        ASSERT_EQ(syncBandForImage(page_, band(), list_, ImageRecordKind::OTHER, false, phase),
+                  KRYN_OK);
+    }
+    EXPECT_EQ(ops(), (Ops{DL_OP_SELECT_PATTERN, DL_OP_BLEND_DATA_B}));
+}
+
 } // namespace
 } // namespace kryn::test
