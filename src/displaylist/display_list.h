@@ -50,6 +50,7 @@ struct DisplayList {
     uint8_t* pendingSizeSlot = nullptr; // size word of the open chunk record
     uint8_t* mergeCandidate = nullptr;  // last rectangle a following one may extend
     uint32_t hasDrawing = 0;            // a painting record was written
+    uint8_t activeRop = 0xA8;           // code of the last 160 written (the default before)
     bool ended = false;                 // DL_OP_END is in place
 };
 

@@ -1,21 +1,65 @@
 // Download tables: per-engine chains of entries (glyph bitmaps, screens,
-// patterns) sent to the device ahead of the bands that use them.
+// patterns) sent to the device ahead of the bands that use them. A table is
+// a chain of nodes, each holding `count` entries right after its header in
+// the same allocation; its byte count (RenderResources::download?Bytes) is
+// the serialised size of all its entries.
 #pragma once
 
 #include <cstdint>
 
 namespace kryn {
 
+struct OutputStream;
 struct RenderResources;
 
-// One node of a table chain; `count` entries follow the header in the same
-// allocation.
 struct DownloadNode {
     DownloadNode* next;
     int32_t count;
 };
 
-// Frees every node of the three tables and clears their byte counts.
+// Table A: glyph bitmaps. Compressed data starts with its total length as a
+// host u32 and belongs to the table (freed once sent); plain data is the
+// caller's.
+struct DownloadEntryA {
+    uint8_t width;
+    uint8_t height;
+    uint16_t code;
+    uint32_t compressed;
+    uint8_t* data;
+};
+
+// Table B: screens; flags bits 14-15 give the class. The data is the caller's.
+struct DownloadEntryB {
+    uint16_t width;
+    uint16_t height;
+    uint16_t flags;
+    uint16_t spare;
+    const uint8_t* data;
+};
+
+// Table C: patterns; n + 1 words owned by the table (freed once sent).
+struct DownloadEntryC {
+    uint16_t n;
+    uint16_t identifier;
+    uint32_t* words;
+};
+
+template <class Entry>
+Entry* entriesOf(DownloadNode* node) {
+    return reinterpret_cast<Entry*>(node + 1);
+}
+
+// Serialised size of one entry.
+uint32_t downloadEntryBytes(const DownloadEntryA& e);
+uint32_t downloadEntryBytes(const DownloadEntryB& e, uint32_t colourSpace);
+uint32_t downloadEntryBytes(const DownloadEntryC& e);
+
+// Sends every table whose byte count is not 0 (A, B, then C) and empties it.
+// The caller has begun the chunk and ends it.
+void sendDownloadTables(OutputStream& stream, RenderResources* resources);
+
+// Frees every node of the three tables, with what their entries own, and
+// clears their byte counts.
 void freeDownloadTables(RenderResources* resources);
 
 } // namespace kryn
