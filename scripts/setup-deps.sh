@@ -4,7 +4,7 @@
 set -eu
 packages="build-essential cmake ninja-build pkg-config git python3 \
   libgtest-dev libgmock-dev libbenchmark-dev libpng-dev zlib1g-dev \
-  clang lld libclang-rt-dev binutils"
+  clang lld libclang-rt-dev binutils time"
 missing=""
 for p in $packages; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"

@@ -1,0 +1,34 @@
+#!/bin/sh
+# Whole-job timings: plays the standard benchmark pages with kryn-play and
+# prints, per job, the median wall time of RUNS runs and the peak resident
+# memory. Usage: bench/run_jobs.sh [RUNS] [JOB ...]   (default 5 runs; jobs
+# rects rects-grey polys polys-grey empty empty-grey)
+set -eu
+cd "$(dirname "$0")/.."
+runs=${1:-5}
+[ $# -gt 0 ] && shift
+jobs=${*:-"rects rects-grey polys polys-grey empty empty-grey"}
+player=build/tools/kryn-play
+[ -x "$player" ] || { echo "build first: scripts/test.sh" >&2; exit 1; }
+pages=build/bench-pages
+gen=${KRYN_BENCH_GEN:-../shared/bench/gen.py}
+if [ ! -f "$pages/empty.kjob" ]; then
+  python3 "$gen" "$pages" >/dev/null
+fi
+printf '%-14s %10s %12s\n' job "median s" "peak MiB"
+for job in $jobs; do
+  times=""
+  peak=0
+  i=0
+  while [ "$i" -lt "$runs" ]; do
+    /usr/bin/time -o "$pages/.time" -f '%e %M' "$player" "$pages/$job.kjob" >/dev/null ||
+      { echo "$job: kryn-play failed" >&2; exit 1; }
+    out=$(tail -1 "$pages/.time")
+    times="$times ${out% *}"
+    kb=${out#* }
+    [ "$kb" -gt "$peak" ] && peak=$kb
+    i=$((i + 1))
+  done
+  median=$(printf '%s\n' $times | sort -n | awk '{a[NR]=$1} END {print a[int((NR+1)/2)]}')
+  printf '%-14s %10s %12s\n' "$job" "$median" "$(awk "BEGIN {printf \"%.1f\", $peak / 1024}")"
+done
