@@ -9,6 +9,10 @@ namespace kryn {
 
 namespace {
 
+bool isVerticalEdge(const Edge& e) {
+    return e.xTop == e.xBottom;
+}
+
 bool goesAfter(const Trapezoid* a, const Trapezoid* b) {
     return a->yTop > b->yTop || (a->yTop == b->yTop && a->yBottom >= b->yBottom);
 }
@@ -81,15 +85,27 @@ ResultCode emitIntersection(ScanState* scan, const Trapezoid& t, const Trapezoid
         piece.maxColumn = maxColumn < right ? maxColumn : right;
         return collectTrapezoid(scan, piece);
     }
+    // Vertical sides of the region's trapezoid become column limits, so
+    // that a piece cut by a rectangle keeps a single edge per side.
     RowPiece piece;
     rowsOfRange(yTop, yBottom, q, &piece.firstRow, &piece.lastRow);
     piece.left[0] = t.leftEdge;
-    piece.left[1] = c.leftEdge;
     piece.right[0] = t.rightEdge;
-    piece.right[1] = c.rightEdge;
-    piece.leftCount = piece.rightCount = 2;
+    piece.leftCount = piece.rightCount = 1;
     piece.minColumn = minColumn;
     piece.maxColumn = maxColumn;
+    if (isVerticalEdge(*c.leftEdge)) {
+        const int64_t left = columnAt(*c.leftEdge, 0, q);
+        piece.minColumn = left > piece.minColumn ? left : piece.minColumn;
+    } else {
+        piece.left[piece.leftCount++] = c.leftEdge;
+    }
+    if (isVerticalEdge(*c.rightEdge)) {
+        const int64_t right = columnAt(*c.rightEdge, 0, q) - 1;
+        piece.maxColumn = right < piece.maxColumn ? right : piece.maxColumn;
+    } else {
+        piece.right[piece.rightCount++] = c.rightEdge;
+    }
     return recordRowPiece(piece, q, *target.recorder, scan->rowSpanPairs);
 }
 
