@@ -33,14 +33,10 @@ void closeScanState(ScanState* scan) {
     scan->bandHeight = 0;
 }
 
-ResultCode addEdge(ScanState* scan, int32_t x0, int32_t y0, int32_t x1, int32_t y1) {
-    if (x0 == x1 && y0 == y1) {
-        return KRYN_OK;
-    }
+Edge* makeEdge(ScanState* scan, int32_t x0, int32_t y0, int32_t x1, int32_t y1) {
     Edge* e = scan->edgePool().take();
-    VertexEvent* v = scan->events.take();
-    if (e == nullptr || v == nullptr) {
-        return KRYN_ERR_NO_MEMORY;
+    if (e == nullptr) {
+        return nullptr;
     }
     const bool down = y0 <= y1;
     e->xTop = down ? x0 : x1;
@@ -60,6 +56,18 @@ ResultCode addEdge(ScanState* scan, int32_t x0, int32_t y0, int32_t x1, int32_t 
     e->xAtTop = static_cast<int64_t>(e->xTop) * (int64_t{1} << 28);
     e->curTop = e->yTop;
     setupEdgeRows(e, scan->quarterTurns);
+    return e;
+}
+
+ResultCode addEdge(ScanState* scan, int32_t x0, int32_t y0, int32_t x1, int32_t y1) {
+    if (x0 == x1 && y0 == y1) {
+        return KRYN_OK;
+    }
+    Edge* e = makeEdge(scan, x0, y0, x1, y1);
+    VertexEvent* v = e == nullptr ? nullptr : scan->events.take();
+    if (v == nullptr) {
+        return KRYN_ERR_NO_MEMORY;
+    }
     ResultCode r = insertEdge(&scan->table, e);
     if (failed(r)) {
         return r;

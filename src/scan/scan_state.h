@@ -35,6 +35,10 @@ ResultCode openScanState(ScanState* scan, int32_t quarterTurns, int32_t bandHeig
 // Frees everything the state holds, collected trapezoids included.
 void closeScanState(ScanState* scan);
 
+// One edge from the current pool with its row stepping, outside the table.
+// Null when the pool is exhausted.
+Edge* makeEdge(ScanState* scan, int32_t x0, int32_t y0, int32_t x1, int32_t y1);
+
 // Adds one edge in 1/16 pixel and its vertex event at (x1, y1). Equal end
 // points add nothing. KRYN_ERR_NO_MEMORY when a pool is exhausted.
 ResultCode addEdge(ScanState* scan, int32_t x0, int32_t y0, int32_t x1, int32_t y1);

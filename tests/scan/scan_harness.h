@@ -143,13 +143,22 @@ inline ScanFloatBox everywhere() {
     return {-1e30f, 1e30f, -1e30f, 1e30f};
 }
 
+// The edge table is bucketed when the figure has 40 points or more.
+inline int32_t recordCount(const std::vector<OraclePolygon>& polys) {
+    size_t n = 0;
+    for (const auto& p : polys) {
+        n += p.size();
+    }
+    return static_cast<int32_t>(n);
+}
+
 // Fills polygons (sixteenths, within 16.16 range) on the page with its
 // current clip.
 inline ResultCode fillPolygons(ScanPage& p, const std::vector<OraclePolygon>& polys, int32_t rule,
                                const SpanRecorder& rec) {
     FixedPolygons f(polys);
     ResultCode r = buildEdges(&p.scan, f.lines.data(), static_cast<int32_t>(f.lines.size()),
-                              static_cast<int32_t>(polys.size() * 8), everywhere());
+                              recordCount(polys), everywhere());
     if (r != KRYN_OK) {
         releaseEdges(&p.scan);
         return r;
@@ -160,8 +169,8 @@ inline ResultCode fillPolygons(ScanPage& p, const std::vector<OraclePolygon>& po
 inline ResultCode clipPolygons(ScanPage& p, const std::vector<OraclePolygon>& polys, int32_t rule) {
     FixedPolygons f(polys);
     return clipWithPolylines(&p.clip, &p.scan, *p.base, f.lines.data(),
-                             static_cast<int32_t>(f.lines.size()),
-                             static_cast<int32_t>(polys.size() * 8), rule, p.page);
+                             static_cast<int32_t>(f.lines.size()), recordCount(polys), rule,
+                             p.page);
 }
 
 // The base clip's pixels: the page rectangle as a fill.
