@@ -76,6 +76,9 @@ ResultCode emitIntersection(ScanState* scan, const Trapezoid& t, const Trapezoid
     if (target.mode == SCAN_MODE_CLIP) {
         // Clip paths are cut against the page rectangle, whose sides are
         // vertical: they become column limits of the stored trapezoid.
+        if (!isVerticalEdge(*c.leftEdge) || !isVerticalEdge(*c.rightEdge)) {
+            return KRYN_ERR_INVALID;
+        }
         Trapezoid piece = t;
         piece.yTop = yTop;
         piece.yBottom = yBottom;

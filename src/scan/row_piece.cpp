@@ -1,6 +1,7 @@
 #include "scan/row_piece.h"
 
 #include "scan/edge_rows.h"
+#include "scan/wide_math.h"
 
 namespace kryn {
 
@@ -66,7 +67,7 @@ ResultCode recordLongRows(PieceSteppers& s, int64_t first, int64_t last, int64_t
     const int64_t h = rec.bandHeight;
     int64_t row = first;
     while (row <= last) {
-        const int64_t bandStart = (row + h - 1) / h * h;
+        const int64_t bandStart = -floorDiv64(-row, h) * h; // first band start at or below row
         if (row == bandStart && row + h - 1 <= last) {
             bool allEqual = true;
             for (int64_t i = 0; i < h; ++i) {
@@ -158,7 +159,7 @@ ResultCode recordRowPiece(const RowPiece& piece, int32_t quarterTurns, const Spa
                             !isVertical(piece.left[0]) && !isVertical(piece.right[0]) &&
                             piece.lastRow - piece.firstRow >= LONG_TRAPEZOID_ROWS &&
                             rec.bandRowSpans != nullptr && rec.bandHeight > 0 &&
-                            pairBuffer != nullptr && maxCol <= UINT16_MAX;
+                            pairBuffer != nullptr && minCol >= 0 && maxCol <= UINT16_MAX;
     if (longSloped) {
         return recordLongRows(s, first, last, minCol, maxCol, rec, pairBuffer);
     }

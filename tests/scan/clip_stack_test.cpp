@@ -116,5 +116,18 @@ TEST(ClipStack, BandGroupLimitsTheRegion) {
     }
 }
 
+// Page mode 3 keeps the rectangle's right and bottom sides on the last
+// column and row.
+TEST(ClipStack, ModeThreeBaseRectangleEndsOnTheLastPixel) {
+    for (int32_t q = 0; q < 4; ++q) {
+        ScanPage page(W, H, q, 8);
+        ASSERT_TRUE(page.ok);
+        page.page.mode = 3;
+        ASSERT_EQ(buildBaseClip(&page.scan, page.page, &page.base), KRYN_OK);
+        ASSERT_EQ(resetClip(&page.clip, &page.scan, *page.base, page.page), KRYN_OK);
+        EXPECT_EQ(fillPage(page).hits, pixelsOf(rect(0, 0, W - 1, H - 1), q)) << "q " << q;
+    }
+}
+
 } // namespace
 } // namespace kryn::test
