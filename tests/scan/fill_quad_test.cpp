@@ -62,18 +62,8 @@ TEST(FillQuad, RandomQuadsMatchOracle) {
         for (size_t i = 0; i < want.size(); ++i) {
             want[i] = static_cast<uint8_t>(want[i] & c[i] & p[i]);
         }
-        if (counts.hits != want) {
-            std::string d;
-            for (auto& pt : quad)
-                d += "(" + std::to_string(pt.x) + "," + std::to_string(pt.y) + ")";
-            for (size_t i = 0; i < want.size(); ++i)
-                if (counts.hits[i] != want[i]) {
-                    d += " px " + std::to_string(i % (W + 1)) + "," + std::to_string(i / (W + 1)) +
-                         " got " + std::to_string(counts.hits[i]);
-                    break;
-                }
-            FAIL() << "seed " << seed << " q " << q << " clipped " << clipped << " " << d;
-        }
+        ASSERT_EQ(firstMismatch(counts.hits, want, page.raster()), "")
+            << "seed " << seed << " q " << q << " clipped " << clipped << " " << describe({quad});
         ASSERT_EQ(counts.outside, 0);
     }
 }

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace kryn::test {
@@ -178,6 +179,31 @@ inline OraclePolygon pageRectangle(const ClipPage& page) {
     const int64_t w = 16 * static_cast<int64_t>(page.pageWidth);
     const int64_t h = 16 * static_cast<int64_t>(page.pageHeight);
     return {{0, 0}, {w, 0}, {w, h}, {0, h}};
+}
+
+// Describes the first differing pixel, or returns empty.
+inline std::string firstMismatch(const std::vector<uint8_t>& got, const std::vector<uint8_t>& want,
+                                 const OracleBounds& b) {
+    for (size_t i = 0; i < got.size(); ++i) {
+        if (got[i] != want[i]) {
+            return "pixel (" + std::to_string(static_cast<int32_t>(i) % b.width() + b.minX) + ", " +
+                   std::to_string(static_cast<int32_t>(i) / b.width() + b.minY) + ") painted " +
+                   std::to_string(got[i]) + " times, expected " + std::to_string(want[i]);
+        }
+    }
+    return "";
+}
+
+inline std::string describe(const std::vector<OraclePolygon>& polys) {
+    std::string s;
+    for (const auto& p : polys) {
+        s += "[";
+        for (const auto& q : p) {
+            s += "(" + std::to_string(q.x) + "," + std::to_string(q.y) + ")";
+        }
+        s += "]";
+    }
+    return s;
 }
 
 } // namespace kryn::test
