@@ -1,0 +1,42 @@
+// Edge building from subpaths given as polylines: the seam through which a
+// path walker (or a test) hands points to scan conversion. Every subpath is
+// closed back to its first point.
+#pragma once
+
+#include "engine/result_codes.h"
+#include "scan/scan_state.h"
+
+#include <cstdint>
+
+namespace kryn {
+
+struct FloatPoint {
+    float x = 0, y = 0; // device pixels
+};
+
+struct FixedPoint {
+    int32_t x = 0, y = 0; // 16.16 device pixels
+};
+
+// One subpath: either float points or 16.16 points.
+struct Polyline {
+    const FloatPoint* floatPoints = nullptr;
+    const FixedPoint* fixedPoints = nullptr;
+    int32_t count = 0;
+};
+
+// Builds the edges of the subpaths into the table. pathRecords picks the
+// table's layout; subpaths whose box misses `clip` are skipped; subpaths
+// inside the 16384-pixel fast box convert directly, others are clamped to
+// +-2^27 pixels.
+ResultCode buildEdges(ScanState* scan, const Polyline* subpaths, int32_t subpathCount,
+                      int32_t pathRecords, const ScanFloatBox& clip);
+
+// One float line by the clamping conversion (two or three edges when it
+// leaves the limit box).
+ResultCode addLineClamped(ScanState* scan, float x0, float y0, float x1, float y1);
+
+// One float line by the direct conversion (both points inside the fast box).
+ResultCode addLineDirect(ScanState* scan, float x0, float y0, float x1, float y1);
+
+} // namespace kryn
