@@ -189,6 +189,32 @@ KRYN_EXPORT ResultCode KRYNRectPath(int32_t x, int32_t y, int32_t width, int32_t
 KRYN_EXPORT ResultCode KRYNRoundRectPath(int32_t x, int32_t y, int32_t width, int32_t height,
                                          int32_t ex, int32_t ey, Engine* e);
 
+/* ---- Fill and clip ------------------------------------------------------ */
+
+/* Paints the interior of the current path with the current paint and logical
+ * function, within the clip region: FILL_EVEN_ODD or FILL_NONZERO. A pixel is
+ * painted when its sample point (its top-left corner on an unrotated page)
+ * lies inside. The path is consumed (kept once when sealed). KRYN_OK with
+ * nothing painted for an empty path, white paint on a page with nothing
+ * recorded, before KRYNSetMatrix has set the page orientation, or outside
+ * the clip; KRYN_ERR_INVALID for another rule. */
+KRYN_EXPORT ResultCode KRYNFill(uint16_t rule, Engine* e);
+/* The interior of the current path within the page replaces the clip region
+ * (it is not intersected with the old one); the path is consumed.
+ * KRYN_ERR_INVALID for a bad rule, or when the state's three clip pools are
+ * all in use (the path is then kept). On failure the old clip stays. */
+KRYN_EXPORT ResultCode KRYNClip(uint16_t rule, Engine* e);
+/* The whole page (in band-group modes: the current band group) becomes the
+ * clip region; the current path is discarded. */
+KRYN_EXPORT ResultCode KRYNClearClip(Engine* e);
+/* Saves the current clip region (one level). KRYNPopClip brings the saved
+ * region back; KRYNVoidPushClip drops the saved one and keeps the current.
+ * A pushed graphics state works inside its parent's region; popping the
+ * state discards every region it built. */
+KRYN_EXPORT ResultCode KRYNPushClip(Engine* e);
+KRYN_EXPORT ResultCode KRYNPopClip(Engine* e);
+KRYN_EXPORT ResultCode KRYNVoidPushClip(Engine* e);
+
 /* ---- Colour and raster operations ------------------------------------ */
 
 /* These setters change the current graphics state of the open page

@@ -10,8 +10,6 @@ namespace kryn {
 
 namespace {
 
-inline constexpr uint32_t RUN_BUFFER_HEADER = 4;
-inline constexpr uint8_t SHORT_RUN_FORM = 255;
 
 ResultCode writeArrayRecord(DisplayList* list, uint8_t op, uint8_t parameter, uint16_t count,
                             void* array, uint32_t serial, RenderResources* resources) {

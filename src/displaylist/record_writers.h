@@ -19,6 +19,11 @@ namespace kryn {
 struct DisplayList;
 struct RenderResources;
 
+// Run buffers (132/141, 139, 142) start with a 4-byte header: u8 spare,
+// u8 form (SHORT_RUN_FORM: every width below 256), u16 count.
+inline constexpr uint32_t RUN_BUFFER_HEADER = 4;
+inline constexpr uint8_t SHORT_RUN_FORM = 255;
+
 // Position of a record inside its band: row relative to the band top, column.
 struct RecordPosition {
     uint8_t row;

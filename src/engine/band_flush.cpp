@@ -5,6 +5,7 @@
 #include "engine/page_lifecycle.h"
 #include "engine/page_mode.h"
 #include "engine/page_record.h"
+#include "scan/page_clip.h"
 #include "transfer/serialiser.h"
 
 #include <algorithm>
@@ -79,7 +80,8 @@ ResultCode nextBand(Engine* e, uint32_t bandsPerGroup, OutputCallback callback, 
     const int16_t oldLast = page->group.last;
     page->group.first = static_cast<int16_t>(oldLast + 1);
     page->group.last = static_cast<int16_t>(oldLast + static_cast<int32_t>(bandsPerGroup));
-    return KRYN_OK;
+    // The clip follows the page, or the band group now open.
+    return rebuildPageClip(e);
 }
 
 } // namespace kryn

@@ -10,7 +10,7 @@ namespace kryn {
 
 struct BandRenderer;
 struct BandInterpreters;
-struct ClipRegion;
+struct BaseClip;
 struct DownloadNode;
 struct GraphicsState;
 struct ImageCache;
@@ -69,7 +69,7 @@ struct Engine {
     uint16_t resolution;
     uint16_t nextBandCount; // band groups completed on the current page
     uint32_t deviceLevel;
-    kryn::ClipRegion* baseClip; // clip of the page or current band group
+    kryn::BaseClip* baseClip; // clip of the page or current band group
     uint16_t alphaUsed;
 };
 

@@ -11,40 +11,6 @@ namespace {
 
 inline constexpr uint16_t NO_SCREEN_ID = 0xFFFF;
 
-void freeClipPools(GraphicsState* state) {
-    for (ClipPool& pool : state->clipPools) {
-        freeAndClear(pool.buffer);
-        pool.count = 0;
-    }
-}
-
-// Gives a state three fresh clip pool buffers; on failure frees those taken.
-bool takeClipPools(GraphicsState* state) {
-    for (ClipPool& pool : state->clipPools) {
-        pool.buffer = nullptr;
-        pool.count = 0;
-    }
-    for (ClipPool& pool : state->clipPools) {
-        auto* buffer = static_cast<ClipPoolBuffer*>(allocBytes(sizeof(ClipPoolBuffer)));
-        if (buffer == nullptr) {
-            freeClipPools(state);
-            return false;
-        }
-        buffer->nextFree = buffer;
-        buffer->previous = nullptr;
-        buffer->count = 0;
-        pool.buffer = buffer;
-    }
-    return true;
-}
-
-// Releases the clip data a state built itself. The clip module fills this in
-// when clip regions exist; until then a state owns no clip data.
-void releaseStateClip(GraphicsState* state) {
-    state->clip.ownRegion = nullptr;
-    state->clip.ownPieces = nullptr;
-}
-
 uint16_t screenIdOf(const Engine* e, const ScreenTile& screen) {
     for (const ScreenNode* node = e->screenList; node != nullptr; node = node->next) {
         if (node->data == screen.data) {
@@ -61,10 +27,6 @@ GraphicsState* createFirstGraphicsState(const Engine* e, PageRecord*) {
     if (state == nullptr) {
         return nullptr;
     }
-    if (!takeClipPools(state)) {
-        destroyRecord(state);
-        return nullptr;
-    }
     state->pageWidth = e->pageWidth;
     state->pageHeight = e->pageHeight;
     return state;
@@ -77,16 +39,10 @@ ResultCode pushGraphicsState(PageSlot* slot) {
         return KRYN_ERR_NO_MEMORY;
     }
     copy->path.first = nullptr;
-    copy->clip.ownRegion = nullptr;
-    copy->clip.ownPieces = nullptr;
-    copy->clipPoolState[0] = 0;
-    copy->clipPoolState[1] = 0;
-    if (!takeClipPools(copy)) {
-        destroyRecord(copy);
-        return KRYN_ERR_NO_MEMORY;
-    }
+    // The copy works inside the enclosing clip without owning any of it.
+    copy->clip = ClipStack();
+    inheritClip(source->clip, &copy->clip);
     if (failed(continuePath(source->path, copy->path, slot->page->pathPool))) {
-        freeClipPools(copy);
         destroyRecord(copy);
         return KRYN_ERR_NO_MEMORY;
     }
@@ -109,13 +65,12 @@ ResultCode popGraphicsState(Engine* e) {
 }
 
 void releaseGraphicsState(GraphicsState* state, PageRecord* page) {
-    releaseStateClip(state);
+    releaseClipStack(&state->clip);
     freePath(state->path, page->pathPool);
     if (state->depth == state->dashOwnerDepth) {
         freeAndClear(state->dashArray);
         freeAndClear(state->dashArrayFixed);
     }
-    freeClipPools(state);
     destroyRecord(state);
 }
 

@@ -7,6 +7,7 @@
 #include "geometry/transform.h"
 #include "kryn/kryn.h"
 #include "paint/paint_descriptor.h"
+#include "scan/clip_stack.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,34 +15,6 @@
 namespace kryn {
 
 struct PageRecord;
-
-// The clip in force. The region itself is built by the clip module; a copy
-// of a state shares the region but owns none of the parts it built.
-struct StateClip {
-    void* region = nullptr;    // clip region in force
-    void* ownRegion = nullptr; // built by this state; cleared in a copy
-    void* ownPieces = nullptr; // pieces built by this state; cleared in a copy
-    uint32_t regionFlags = 0;
-};
-
-// Room for one edge of a clip outline in a clip pool buffer.
-inline constexpr size_t CLIP_POOL_EDGES = 20;
-inline constexpr size_t CLIP_POOL_EDGE_BYTES = 64;
-
-// First block of an edge pool that holds a state's clip edges.
-struct ClipPoolBuffer {
-    uint8_t edges[CLIP_POOL_EDGES * CLIP_POOL_EDGE_BYTES];
-    void* nextFree; // starts at the block itself
-    ClipPoolBuffer* previous;
-    uint16_t count;
-};
-
-struct ClipPool {
-    uint32_t count = 0;
-    ClipPoolBuffer* buffer = nullptr;
-};
-
-inline constexpr size_t CLIP_POOLS_PER_STATE = 3;
 
 struct GraphicsState {
     GraphicsState* below = nullptr; // previous state; null for the page's first
@@ -51,8 +24,8 @@ struct GraphicsState {
     Transform transform;
     Path path;
     uint16_t pathSealed = 0; // keep the path for one more painting call
-    StateClip clip;
-    float lineWidth = 0.5f; // half the line width
+    ClipStack clip;          // the clip region in force, the saved one, their edge pools
+    float lineWidth = 0.5f;  // half the line width
     // Dash pattern; the arrays belong to the state whose depth is dashOwnerDepth.
     uint16_t dashCount = 0;
     float* dashArray = nullptr;
@@ -83,9 +56,6 @@ struct GraphicsState {
     int32_t miterLimitFixed = 0xA0000;
     int32_t strokeFlatnessFixed = 0x10000; // -1: every curve becomes its chord
     int32_t miterLengthFixed = 0x50000;
-    ClipPool clipPools[CLIP_POOLS_PER_STATE];
-    uint32_t clipPoolState[2] = {0, 0}; // cleared in a copy
-    uint32_t savedClip = 0;
     uint16_t integerCoords = 1; // path points truncated to whole pixels
     uint16_t integerFlags[2] = {1, 1};
 };

@@ -42,8 +42,12 @@ ResultCode createPageRecord(Engine* e, int32_t mode, PageRecord** out) {
         BandEntry* band = ::new (&page->bands[i]) BandEntry();
         band->bandTop = i * e->bandHeight;
     }
-    const ResultCode r = preparePageResources(e->resources, e->pageWidth, e->bandHeight, mode);
+    ResultCode r = openScanState(&page->scan, -1, e->bandHeight);
+    if (!failed(r)) {
+        r = preparePageResources(e->resources, e->pageWidth, e->bandHeight, mode);
+    }
     if (failed(r)) {
+        closeScanState(&page->scan);
         freeBytes(page);
         return r;
     }
@@ -58,6 +62,7 @@ void destroyPageRecord(PageRecord* page) {
     freeAndClear(page->clipRegionHold);
     freeAndClear(page->regionHold);
     releasePathPool(page->pathPool);
+    closeScanState(&page->scan);
     freeBytes(page);
 }
 

@@ -5,6 +5,7 @@
 #include "engine/result_codes.h"
 #include "geometry/path_pool.h"
 #include "paint/paint_descriptor.h"
+#include "scan/scan_state.h"
 
 #include <cstdint>
 
@@ -85,6 +86,9 @@ struct PageRecord {
     uint32_t colourSpace = 0;
     uint16_t reverseOrder = 0;
     PathPool pathPool;          // every subpath and segment of the page's paths
+    ScanState scan;             // edges, events and buffers of scan conversion
+    uint16_t paintNotWhite = 1; // 0: white paint, bands without a list are skipped
+    BandRange pendingRuns;      // bands whose run buffers await writing
     BandEntry* bands = nullptr; // bandCount entries, in the same allocation
 };
 

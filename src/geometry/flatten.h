@@ -5,21 +5,11 @@
 
 #include "engine/result_codes.h"
 #include "geometry/path.h"
+#include "geometry/points.h"
 
 #include <cstdint>
 
 namespace kryn {
-
-// A point in 16.16 device pixels.
-struct FixedPoint {
-    int32_t x;
-    int32_t y;
-};
-
-struct FloatPoint {
-    float x;
-    float y;
-};
 
 using FixedChordSink = ResultCode (*)(void* context, FixedPoint from, FixedPoint to);
 using FloatChordSink = ResultCode (*)(void* context, FloatPoint from, FloatPoint to);

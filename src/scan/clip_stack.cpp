@@ -36,9 +36,30 @@ void clearSaved(ClipStack* s) {
 
 } // namespace
 
+namespace {
+
+struct PolylineFigure {
+    const Polyline* subpaths;
+    int32_t count;
+    int32_t pathRecords;
+};
+
+ResultCode buildPolylineEdges(void* context, ScanState* scan, const ScanFloatBox& box) {
+    const auto* figure = static_cast<const PolylineFigure*>(context);
+    return buildEdges(scan, figure->subpaths, figure->count, figure->pathRecords, box);
+}
+
+} // namespace
+
 ResultCode clipWithPolylines(ClipStack* stack, ScanState* scan, const BaseClip& base,
                              const Polyline* subpaths, int32_t count, int32_t pathRecords,
                              int32_t rule, const ClipPage& page) {
+    PolylineFigure figure{subpaths, count, pathRecords};
+    return clipWithEdges(stack, scan, base, EdgeSource{buildPolylineEdges, &figure}, rule, page);
+}
+
+ResultCode clipWithEdges(ClipStack* stack, ScanState* scan, const BaseClip& base,
+                         const EdgeSource& source, int32_t rule, const ClipPage& page) {
     if (rule != FILL_EVEN_ODD && rule != FILL_NONZERO) {
         return KRYN_ERR_INVALID;
     }
@@ -57,7 +78,7 @@ ResultCode clipWithPolylines(ClipStack* stack, ScanState* scan, const BaseClip& 
     ScanFloatBox pageBox;
     pageBox.maxX = static_cast<float>(page.pageWidth);
     pageBox.maxY = static_cast<float>(page.pageHeight);
-    ResultCode r = buildEdges(scan, subpaths, count, pathRecords, pageBox);
+    ResultCode r = source.build(source.context, scan, pageBox);
     if (failed(r)) {
         releaseEdges(scan);
     } else {

@@ -42,8 +42,20 @@ struct ClipPage {
 // 9) or of its current band group.
 ResultCode buildBaseClip(ScanState* scan, const ClipPage& page, BaseClip** base);
 
-// The region of the subpaths within the page rectangle replaces the current
-// one (KRYNClip without the path bookkeeping). KRYN_ERR_INVALID for a bad
+// Builds a figure's edges into the scan state; box is the area that
+// matters (subpaths that miss it may be skipped).
+struct EdgeSource {
+    ResultCode (*build)(void* context, ScanState* scan, const ScanFloatBox& box) = nullptr;
+    void* context = nullptr;
+};
+
+// The region of the source's figure within the page rectangle replaces the
+// current one (KRYNClip without the path bookkeeping). KRYN_ERR_INVALID for
+// a bad rule or no free pool; on failure the old region stays in force.
+ResultCode clipWithEdges(ClipStack* stack, ScanState* scan, const BaseClip& base,
+                         const EdgeSource& source, int32_t rule, const ClipPage& page);
+
+// clipWithEdges for subpaths given as polylines. KRYN_ERR_INVALID for a bad
 // rule or no free pool; on failure the old region stays in force.
 ResultCode clipWithPolylines(ClipStack* stack, ScanState* scan, const BaseClip& base,
                              const Polyline* subpaths, int32_t count, int32_t pathRecords,

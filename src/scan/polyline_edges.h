@@ -4,19 +4,12 @@
 #pragma once
 
 #include "engine/result_codes.h"
+#include "geometry/points.h"
 #include "scan/scan_state.h"
 
 #include <cstdint>
 
 namespace kryn {
-
-struct FloatPoint {
-    float x = 0, y = 0; // device pixels
-};
-
-struct FixedPoint {
-    int32_t x = 0, y = 0; // 16.16 device pixels
-};
 
 // One subpath: either float points or 16.16 points.
 struct Polyline {

@@ -2,6 +2,7 @@
 
 #include "displaylist/display_list.h"
 #include "displaylist/image_data_size.h"
+#include "displaylist/record_writers.h"
 #include "engine/memory.h"
 #include "transfer/stream_io.h"
 
@@ -14,7 +15,6 @@ inline constexpr uint32_t SCREEN_CLASS_SHARED = 0x8000;
 inline constexpr uint32_t SCREEN_CLASS_COLOUR = 0xC000;
 inline constexpr uint32_t SCREEN_CLASS_GREY = 0x4000;
 inline constexpr uint16_t BIT_15 = 0x8000;
-inline constexpr uint32_t RUN_BUFFER_HEADER = 4;
 
 uint32_t word(uint32_t a, uint32_t b, uint32_t c, uint32_t d) {
     return (a & 0xFFu) << 24 | (b & 0xFFu) << 16 | (c & 0xFFu) << 8 | (d & 0xFFu);

@@ -80,6 +80,8 @@ const std::array OPERATIONS = std::to_array<OperationSpec>({
     {"BowPath",
      {I32, I32, I32, I32, I32, I32, I32, I32},
      [](Engine* e, CallFrame& f) { return KRYNBowPath(ARGS8(f), e); }},
+    {"ClearClip", {}, [](Engine* e, CallFrame&) { return KRYNClearClip(e); }},
+    {"Clip", {U16}, [](Engine* e, CallFrame& f) { return KRYNClip(f.scalar<uint16_t>(0), e); }},
     {"ClosePage",
      {},
      [](Engine* e, CallFrame& f) { return KRYNClosePage(f.callback, f.context, e); }},
@@ -98,6 +100,7 @@ const std::array OPERATIONS = std::to_array<OperationSpec>({
     {"FanPath",
      {I32, I32, I32, I32, I32, I32, I32, I32},
      [](Engine* e, CallFrame& f) { return KRYNFanPath(ARGS8(f), e); }},
+    {"Fill", {U16}, [](Engine* e, CallFrame& f) { return KRYNFill(f.scalar<uint16_t>(0), e); }},
     {"GetPageInfo", {OUT}, getPageInfo},
     {"GetPageResource", {OUT, OUT}, getPageResource},
     {"GroupBezier3To",
@@ -130,7 +133,9 @@ const std::array OPERATIONS = std::to_array<OperationSpec>({
      {U32},
      [](Engine* e,
         CallFrame& f) { return KRYNNextBand(f.scalar<uint32_t>(0), f.callback, f.context, e); }},
+    {"PopClip", {}, [](Engine* e, CallFrame&) { return KRYNPopClip(e); }},
     {"PopGState", {}, [](Engine* e, CallFrame&) { return KRYNPopGState(e); }},
+    {"PushClip", {}, [](Engine* e, CallFrame&) { return KRYNPushClip(e); }},
     {"PushGState", {}, [](Engine* e, CallFrame&) { return KRYNPushGState(e); }},
     {"RectPath",
      {I32, I32, I32, I32},
@@ -169,6 +174,7 @@ const std::array OPERATIONS = std::to_array<OperationSpec>({
      [](Engine* e,
         CallFrame&
             f) { return KRYNSetTranslation(f.scalar<int32_t>(0), f.scalar<int32_t>(1), e); }},
+    {"VoidPushClip", {}, [](Engine* e, CallFrame&) { return KRYNVoidPushClip(e); }},
 });
 
 } // namespace

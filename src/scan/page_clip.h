@@ -1,0 +1,26 @@
+// The clip as the open page sees it: the base region of the page (or of its
+// current band group) and the reset of the current state's clip to it.
+#pragma once
+
+#include "engine/engine.h"
+#include "engine/result_codes.h"
+#include "scan/clip_stack.h"
+
+namespace kryn {
+
+struct PageRecord;
+
+// The page geometry the base clip and a clip reset work from.
+ClipPage clipPageOf(const Engine* e, const PageRecord* page);
+
+// Rebuilds the base region for the page's orientation and current band
+// group, then resets the current state's clip to it; the current path is
+// lost, as with every clip reset. Nothing happens while the orientation is
+// not yet established.
+ResultCode rebuildPageClip(Engine* e);
+
+// Resets the current state's clip to the base region (KRYNClearClip); the
+// current path is lost. KRYN_OK with no effect before the orientation.
+ResultCode resetPageClip(Engine* e);
+
+} // namespace kryn

@@ -1,0 +1,23 @@
+// What painting and clipping calls share: the end of a path's life after a
+// call, the white-paint test and the flattening tolerance of the state.
+#pragma once
+
+#include "engine/graphics_state.h"
+#include "scan/path_edges.h"
+
+namespace kryn {
+
+struct PageRecord;
+
+// After a painting or clip call: a sealed path is kept once more (and the
+// seal cleared); otherwise, and always after an error, the path is freed.
+void consumePath(GraphicsState& gs, PageRecord& page, bool afterError);
+
+// Paint that can only whiten: the logical function 0xFF, or 0xF0 with white
+// paint and no screen.
+bool isWhitePaint(const GraphicsState& gs);
+
+// The state's curve flattening tolerance.
+FlattenTolerance flattenToleranceOf(const GraphicsState& gs);
+
+} // namespace kryn
