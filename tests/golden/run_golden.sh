@@ -11,7 +11,7 @@ status=0
 "$player" "$job" --trace "$actual" 2>/dev/null || status=$?
 echo "exit $status" >>"$actual"
 if [ "${KRYN_UPDATE_GOLDEN:-0}" = 1 ]; then
-  cp "$actual" "$expected"
+  cat "$actual" >"$expected"
   exit 0
 fi
 diff -u "$expected" "$actual"
