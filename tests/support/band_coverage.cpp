@@ -9,7 +9,9 @@ namespace kryn::test {
 
 namespace {
 
-uint16_t u16(const uint8_t* p) { return static_cast<uint16_t>(p[0] | p[1] << 8); }
+uint16_t u16(const uint8_t* p) {
+    return static_cast<uint16_t>(p[0] | p[1] << 8);
+}
 
 const uint8_t* arrayOf(const uint8_t* record) {
     const uint8_t* array = nullptr;
