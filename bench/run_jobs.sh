@@ -17,11 +17,16 @@ if [ ! -f "$pages/empty.kjob" ]; then
 fi
 printf '%-14s %10s %12s\n' job "median s" "peak MiB"
 for job in $jobs; do
+  script="$pages/$job.kjob"
+  if [ -n "${KRYN_JOB_MODE:-}" ]; then
+    script="$pages/$job-mode$KRYN_JOB_MODE.kjob"
+    sed "s/^NewPage [0-9]*/NewPage $KRYN_JOB_MODE/" "$pages/$job.kjob" >"$script"
+  fi
   times=""
   peak=0
   i=0
   while [ "$i" -lt "$runs" ]; do
-    /usr/bin/time -o "$pages/.time" -f '%e %M' "$player" "$pages/$job.kjob" >/dev/null ||
+    /usr/bin/time -o "$pages/.time" -f '%e %M' "$player" "$script" >/dev/null ||
       { echo "$job: kryn-play failed" >&2; exit 1; }
     out=$(tail -1 "$pages/.time")
     times="$times ${out% *}"
