@@ -26,6 +26,12 @@ bool greyRasterBlank(const BandRenderer& r) {
     return true;
 }
 
+uint32_t lastIndex(int32_t n) {
+    return static_cast<uint32_t>(n - 1);
+}
+
+} // namespace
+
 uint32_t typedRasterCode(uint32_t contentFlags, uint32_t deviceLevel) {
     if (deviceLevel < LEVEL_TYPED_RASTERS) {
         return CB_RASTER_STANDARD;
@@ -41,12 +47,6 @@ uint32_t typedRasterCode(uint32_t contentFlags, uint32_t deviceLevel) {
         return CB_RASTER_STANDARD;
     }
 }
-
-uint32_t lastIndex(int32_t n) {
-    return static_cast<uint32_t>(n - 1);
-}
-
-} // namespace
 
 ResultCode deliverBand(BandRenderer& r, const PaintState& state, const RenderResources& resources,
                        uint16_t band, BandVariant variant, uint32_t contentFlags) {

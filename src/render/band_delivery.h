@@ -16,6 +16,11 @@ struct RenderResources;
 // raster code on typed-raster devices.
 enum : uint32_t { CONTENT_IMAGE = 1, CONTENT_AREA = 2, CONTENT_BITMAP = 4 };
 
+// Raster code of a band on a page played for a typed-raster renderer
+// (page modes 8 and 9): by the content kinds on capable devices, else the
+// standard code.
+uint32_t typedRasterCode(uint32_t contentFlags, uint32_t deviceLevel);
+
 // Merges the paint state's second box into the renderer's box, leaves blank
 // bands undelivered, and calls the driver with the code, rectangle and byte
 // count of the variant. KRYN_ERR_RESTART_PAGE when the driver asks for the
