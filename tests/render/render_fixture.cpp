@@ -71,6 +71,9 @@ uint8_t* runBuffer(uint8_t form, const std::vector<std::vector<uint16_t>>& entri
     }
     const size_t bytes = 4 + entries.size() * entryBytes;
     auto* buffer = static_cast<uint8_t*>(allocBytes(bytes, true));
+    if (buffer == nullptr) {
+        return nullptr;
+    }
     buffer[1] = form;
     const auto count = static_cast<uint16_t>(entries.size());
     std::memcpy(buffer + 2, &count, 2);
