@@ -271,6 +271,7 @@ ResultCode walkBand(BandRenderer& renderer, RenderResources& resources, uint16_t
     }
     initPaintState(state, renderer, grey);
     state.scratch = scratch;
+    state.quantization = resources.quantization;
     BandPlay play{renderer, resources, state, grey ? greyFamilies() : colourFamilies(),
                   band,     variant};
     ResultCode result = KRYN_OK;

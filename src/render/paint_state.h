@@ -87,6 +87,8 @@ struct PaintState {
     uint16_t blendRangesA[3]; // low byte minimum, high byte maximum
     uint16_t blendRangesB[3];
 
+    uint32_t quantization; // 0, 300 or 600: block flattening of images
+
     // Work memory of the image renderers: the renderer's expand buffer, or
     // the band's 768-byte scratch block.
     uint8_t* expandBuffer;

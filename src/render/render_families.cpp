@@ -1,13 +1,15 @@
 #include "render/render_families.h"
 
 #include "render/area_solid.h"
+#include "render/flatten_blocks.h"
 
 namespace kryn {
 
 namespace {
 
 // Members by screen: solid, 1-bit transparent zeros, 1-bit opaque zeros,
-// tile samples. Screened members and every image family are still empty.
+// tile samples. Screened members and every image family are still empty;
+// block flattening follows 8-bit (kind 0x20) and 24-bit (kind 0x40) images.
 const RenderFamilies GREY_FAMILIES = {
     {{
         {paintSolidRectGrey, nullptr, nullptr, nullptr},
@@ -22,7 +24,7 @@ const RenderFamilies GREY_FAMILIES = {
     nullptr,
     nullptr,
     nullptr,
-    {},
+    {nullptr, nullptr, flattenBlocksGrey},
 };
 
 const RenderFamilies COLOUR_FAMILIES = {
@@ -39,7 +41,7 @@ const RenderFamilies COLOUR_FAMILIES = {
     nullptr,
     nullptr,
     nullptr,
-    {},
+    {nullptr, nullptr, nullptr, nullptr, flattenBlocksColour},
 };
 
 } // namespace
