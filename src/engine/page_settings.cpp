@@ -33,12 +33,11 @@ void setColourAttributes(Engine* e, uint32_t a, uint32_t b, uint32_t c) {
     resources->colourAttr[0] = static_cast<uint8_t>(a);
     resources->colourAttr[1] = static_cast<uint8_t>(b);
     resources->colourAttr[2] = static_cast<uint8_t>(c);
+    // A live colour renderer takes the new tags at once; a grey one takes
+    // them when it is next resized for a page.
     BandRenderer* renderer = resources->renderer;
-    if (renderer != nullptr && renderer->colourSpace != 1) {
-        renderer->channelDefault[0] = a << 24;
-        renderer->channelDefault[1] = b << 24;
-        renderer->channelDefault[2] = c << 24;
-        renderer->secondChannelWord = (b << 24) | 0xFFFFFFu;
+    if (renderer != nullptr && renderer->greyRaster == 0) {
+        setRendererTags(renderer, resources->colourAttr);
     }
 }
 

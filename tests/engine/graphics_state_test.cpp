@@ -116,8 +116,8 @@ TEST_F(GraphicsStateStack, PageWideSettings) {
     ASSERT_EQ(KRYNColorAttribute(0x104, 5, 6, e()), KRYN_OK);
     EXPECT_EQ(res->colourAttr[0], 4);
     ASSERT_NE(res->renderer, nullptr);
-    EXPECT_EQ(res->renderer->channelDefault[1], 0x05000000u);
-    EXPECT_EQ(res->renderer->secondChannelWord, 0x05FFFFFFu);
+    EXPECT_EQ(res->renderer->tagGraphicsWord, 0x05000000u);
+    EXPECT_EQ(res->renderer->paperWord, 0x05FFFFFFu);
     ASSERT_EQ(KRYNSetQuantization(e()), KRYN_OK);
     EXPECT_EQ(res->quantization, 600u);
 }

@@ -35,7 +35,7 @@ TEST(PageModes, BandEntriesRendererAndOpeningRecordsFollowTheMode) {
         } else {
             ASSERT_NE(renderer, nullptr) << "mode " << mode;
             EXPECT_EQ(renderer->width, expect[mode].rendererWidth) << "mode " << mode;
-            EXPECT_EQ(renderer->bandHeight, 16);
+            EXPECT_EQ(renderer->height, 16);
         }
         DisplayList* list = nullptr;
         ASSERT_EQ(getBandList(page, 2, &list), KRYN_OK);
