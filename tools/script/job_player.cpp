@@ -96,7 +96,7 @@ uint32_t JobPlayer::onDelivery(uint32_t code, uint32_t band, const uint8_t* data
         }
         *trace << " crc=" << text << '\n';
     }
-    if (options_.onRaster && isRasterCode(code) && data != nullptr) {
+    if (options_.onRaster && (code == CB_RASTER_BOX || isRasterCode(code)) && data != nullptr) {
         options_.onRaster(RasterDelivery{code, band, data, bytes, rect});
     }
     if (isRasterCode(code) && restartsLeft_ > 0) {

@@ -2,6 +2,7 @@
 
 #include <png.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -10,10 +11,6 @@
 namespace kryn::script {
 
 namespace {
-
-uint32_t roundUp8(uint64_t n) {
-    return static_cast<uint32_t>((n + 7) / 8 * 8);
-}
 
 uint32_t readWord(const uint8_t* p) {
     return uint32_t{p[0]} | uint32_t{p[1]} << 8 | uint32_t{p[2]} << 16 | uint32_t{p[3]} << 24;
@@ -102,28 +99,27 @@ PagePicture::PagePicture(uint32_t width, uint32_t height, uint32_t bandHeight)
     : width_(width), height_(height), bandHeight_(bandHeight),
       rgb_(size_t{width} * height * 3, 0xFF) {}
 
+// A band raster holds bandHeight rows of one stride each; its row may be
+// narrower than the page (host renderers can leave out the last column).
+// 8-bit rasters: the black-and-white code, and the standard code whose
+// rectangle spans the row bytes; everything else is 32-bit.
 void PagePicture::placeBand(const RasterDelivery& d) {
-    if (bandHeight_ == 0 || d.bytes == 0) {
+    if (bandHeight_ == 0 || d.bytes == 0 || d.bytes % bandHeight_ != 0) {
         return;
     }
     const uint64_t top = uint64_t{d.band} * bandHeight_;
     if (top >= height_) {
         return;
     }
-    const uint32_t greyStride = roundUp8(width_);
-    const uint32_t colourStride = roundUp8(uint64_t{width_} * 4);
-    const bool wholeBandRect = d.rect != nullptr && d.code != CB_RASTER_BOX;
-    // 8-bit rasters: the standard code whose rectangle spans the row bytes,
-    // and black-and-white bands of colour pages.
-    const bool grey =
-        d.code == CB_RASTER_DIRECT ||
-        (d.code == CB_RASTER_STANDARD && wholeBandRect && d.rect->right + 1 == greyStride &&
-         d.bytes % greyStride == 0 && d.bytes / greyStride == d.rect->bottom + 1);
-    if (grey && d.bytes % greyStride == 0) {
-        placeGrey(d.data, greyStride, d.bytes / greyStride, static_cast<uint32_t>(top));
-    } else if (!grey && d.bytes % colourStride == 0) {
+    const uint32_t stride = d.bytes / bandHeight_;
+    const bool grey = d.code == CB_RASTER_DIRECT ||
+                      (d.code == CB_RASTER_STANDARD && d.rect != nullptr &&
+                       d.rect->right + 1 == stride && d.rect->bottom + 1 == bandHeight_);
+    if (grey) {
+        placeGrey(d.data, stride, bandHeight_, static_cast<uint32_t>(top));
+    } else if (stride % 4 == 0) {
         colour_ = true;
-        placeColour(d.data, colourStride / 4, d.bytes / colourStride, static_cast<uint32_t>(top));
+        placeColour(d.data, stride / 4, bandHeight_, static_cast<uint32_t>(top));
     }
 }
 
@@ -131,7 +127,7 @@ void PagePicture::placeGrey(const uint8_t* raster, uint32_t stride, uint32_t row
     for (uint32_t r = 0; r < rows && top + r < height_; ++r) {
         uint8_t* dst = rgb_.data() + (size_t{top} + r) * width_ * 3;
         const uint8_t* src = raster + size_t{r} * stride;
-        for (uint32_t x = 0; x < width_; ++x) {
+        for (uint32_t x = 0; x < width_ && x < stride; ++x) {
             dst[3 * x] = dst[3 * x + 1] = dst[3 * x + 2] = src[x];
         }
     }
@@ -147,7 +143,8 @@ void PagePicture::placeColour(const uint8_t* raster, uint32_t strideWords, uint3
         uint8_t* dst = rgb_.data() + (size_t{top} + r) * width_ * 3;
         const uint8_t* src = raster + size_t{r} * strideWords * 4;
         uint32_t x = 0;
-        while (x < width_) {
+        const uint32_t columns = std::min(width_, strideWords);
+        while (x < columns) {
             uint32_t word = readWord(src + size_t{x} * 4);
             uint32_t tag = word >> 24;
             if ((tag & TAG_BLANK_ROW) != 0) {
@@ -158,7 +155,7 @@ void PagePicture::placeColour(const uint8_t* raster, uint32_t strideWords, uint3
                 length = readWord(src + size_t{x + 1} * 4);
                 length = length == 0 ? 1 : length;
             }
-            for (uint32_t i = 0; i < length && x < width_; ++i, ++x) {
+            for (uint32_t i = 0; i < length && x < columns; ++i, ++x) {
                 dst[3 * x] = static_cast<uint8_t>(word);
                 dst[3 * x + 1] = static_cast<uint8_t>(word >> 8);
                 dst[3 * x + 2] = static_cast<uint8_t>(word >> 16);
