@@ -82,3 +82,22 @@ TEST(JobPlayer, TheFirstCallMustBeInit) {
     EXPECT_EQ(run.result.message, "job.kjob:2: no engine: the first call must be Init");
     EXPECT_EQ(run.trace, "");
 }
+
+TEST(PageBands, PlacesReverseSideAndBandGroupDeliveries) {
+    PageBands bands;
+    bands.bandCount = 5;
+    bands.newPage(5);
+    bands.reverse = true;
+    EXPECT_EQ(bands.pageBandOf(0), 4u) << "a reverse side is numbered from the bottom";
+    EXPECT_EQ(bands.pageBandOf(4), 0u);
+    bands.newPage(2);
+    EXPECT_FALSE(bands.reverse);
+    bands.nextBand(2); // opens bands 0..1
+    EXPECT_EQ(bands.pageBandOf(1), 1u);
+    bands.nextBand(2); // sends 0..1, opens 2..3
+    EXPECT_EQ(bands.pageBandOf(0), 2u);
+    bands.nextBand(2); // opens 4..5
+    EXPECT_EQ(bands.pageBandOf(0), 4u);
+    bands.nextBand(2); // the group held the last band: the base stays
+    EXPECT_EQ(bands.pageBandOf(0), 4u);
+}

@@ -43,6 +43,35 @@ bool isRasterCode(uint32_t code) {
 
 } // namespace
 
+void PageBands::newPage(int32_t pageMode) {
+    const int32_t count = bandCount;
+    *this = PageBands();
+    bandCount = count;
+    mode = pageMode;
+}
+
+// Band-group modes move the group base on each KRYNNextBand, unless the
+// group just sent ended with the last band.
+void PageBands::nextBand(uint32_t bandsPerGroup) {
+    const bool groups = mode == 1 || mode == 2 || mode == 4 || mode == 6 || mode == 8;
+    if (!groups) {
+        return;
+    }
+    const auto n = static_cast<int32_t>(bandsPerGroup);
+    if (groupLast != bandCount - 1) {
+        bandBase = n * advances;
+        ++advances;
+    }
+    groupLast += n;
+}
+
+uint32_t PageBands::pageBandOf(uint32_t band) const {
+    if (reverse) {
+        return static_cast<uint16_t>(bandCount - 1 - static_cast<int32_t>(band));
+    }
+    return band + static_cast<uint32_t>(bandBase);
+}
+
 JobPlayer::JobPlayer(std::string scriptName, std::string baseDirectory, PlayerOptions options)
     : scriptName_(std::move(scriptName)), baseDirectory_(std::move(baseDirectory)),
       options_(std::move(options)) {}
@@ -97,13 +126,23 @@ uint32_t JobPlayer::onDelivery(uint32_t code, uint32_t band, const uint8_t* data
         *trace << " crc=" << text << '\n';
     }
     if (options_.onRaster && (code == CB_RASTER_BOX || isRasterCode(code)) && data != nullptr) {
-        options_.onRaster(RasterDelivery{code, band, data, bytes, rect});
+        options_.onRaster(RasterDelivery{code, band, data, bytes, rect, bands_.pageBandOf(band)});
     }
     if (isRasterCode(code) && restartsLeft_ > 0) {
         --restartsLeft_;
         return KRYN_CB_RESTART;
     }
     return 0;
+}
+
+void JobPlayer::followPage(const std::string& name, const CallFrame& frame) {
+    if (name == "NewPage") {
+        bands_.newPage(frame.scalar<int16_t>(0));
+    } else if (name == "SetReverseSide") {
+        bands_.reverse = true;
+    } else if (name == "NextBand") {
+        bands_.nextBand(frame.scalar<uint32_t>(0));
+    }
 }
 
 void JobPlayer::endEngine(int lineNumber, bool traced) {
@@ -122,6 +161,9 @@ void JobPlayer::init(const ScriptLine& line) {
     engine_ = KRYNInit(f.scalar<int32_t>(0), f.scalar<int32_t>(1), f.scalar<int16_t>(2),
                        f.scalar<uint16_t>(3), f.scalar<uint16_t>(4));
     initSeen_ = true;
+    const int32_t height = f.scalar<int32_t>(1);
+    const int32_t bandHeight = f.scalar<int16_t>(2);
+    bands_.bandCount = bandHeight > 0 && height >= 0 ? (height + bandHeight) / bandHeight : 0;
     if (engine_ != nullptr && options_.onInit) {
         options_.onInit(static_cast<uint32_t>(f.scalar<int32_t>(0)) + 1,
                         static_cast<uint32_t>(f.scalar<int32_t>(1)) + 1,
@@ -157,6 +199,9 @@ void JobPlayer::playLine(const ScriptLine& line) {
     releaseKeptBuffers(frame);
     if (line.name == "End") {
         engine_ = nullptr;
+    }
+    if (r == KRYN_OK) {
+        followPage(line.name, frame);
     }
     if (options_.trace != nullptr) {
         *options_.trace << line.number << ' ' << line.name << ' ' << resultText(r);

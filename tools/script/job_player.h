@@ -12,14 +12,33 @@
 namespace kryn::script {
 
 struct ScriptLine;
+struct CallFrame;
 
 // A band raster as the callback received it.
 struct RasterDelivery {
     uint32_t code;
-    uint32_t band;
+    uint32_t band; // the band index the engine passed
     const uint8_t* data;
     uint32_t bytes;
     const RasterRect* rect;
+    // The band's position on the page: the engine numbers bands from the
+    // bottom on a reverse side and from the open group in band-group modes.
+    uint32_t pageBand = band;
+};
+
+// What the player knows of the open page's band numbering, followed from
+// the calls that answered KRYN_OK.
+struct PageBands {
+    int32_t bandCount = 0; // bands of the engine's page
+    int32_t mode = 0;
+    bool reverse = false;
+    int32_t bandBase = 0;
+    int32_t groupLast = -1;
+    int32_t advances = 0;
+
+    void newPage(int32_t pageMode);
+    void nextBand(uint32_t bandsPerGroup);
+    uint32_t pageBandOf(uint32_t band) const;
 };
 
 struct PlayerOptions {
@@ -57,12 +76,14 @@ class JobPlayer {
     void playLine(const ScriptLine& line);
     void init(const ScriptLine& line);
     void endEngine(int lineNumber, bool traced);
+    void followPage(const std::string& name, const CallFrame& frame);
 
     std::string scriptName_;
     std::string baseDirectory_;
     PlayerOptions options_;
     Engine* engine_ = nullptr;
     bool initSeen_ = false;
+    PageBands bands_;
     uint64_t restartsLeft_ = 0;
 };
 

@@ -107,7 +107,7 @@ void PagePicture::placeBand(const RasterDelivery& d) {
     if (bandHeight_ == 0 || d.bytes == 0 || d.bytes % bandHeight_ != 0) {
         return;
     }
-    const uint64_t top = uint64_t{d.band} * bandHeight_;
+    const uint64_t top = uint64_t{d.pageBand} * bandHeight_;
     if (top >= height_) {
         return;
     }
