@@ -1,9 +1,12 @@
 #!/bin/sh
-# Builds Kryn and runs the example driver program against an installed copy.
+# Builds Kryn and its job player, then renders the bundled demo job
+# (examples/demo.kjob) to a picture: out/demo.png.
 set -eu
 cd "$(dirname "$0")/.."
 sh scripts/setup-deps.sh
 jobs=$(nproc 2>/dev/null || echo 2)
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
-cmake --build build -j "$jobs"
-sh tests/api/check_install.sh build examples/consumer
+cmake --build build -j "$jobs" --target kryn-play
+mkdir -p out
+build/tools/kryn-play examples/demo.kjob --out out/demo.png
+echo "demo page written to $(pwd)/out/demo.png"

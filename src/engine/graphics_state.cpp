@@ -11,7 +11,13 @@ namespace {
 
 inline constexpr uint16_t NO_SCREEN_ID = 0xFFFF;
 
+// The identifier of the state's screen: 0 for a state without one (no tile
+// is identifier 0, whatever screens the page has defined), the registered
+// screen with the same data, or NO_SCREEN_ID when none matches.
 uint16_t screenIdOf(const Engine* e, const ScreenTile& screen) {
+    if (screen.data == nullptr) {
+        return 0;
+    }
     for (const ScreenNode* node = e->screenList; node != nullptr; node = node->next) {
         if (node->data == screen.data) {
             return node->screenId;

@@ -53,7 +53,12 @@ TEST_F(GraphicsStateStack, PopRestoresTheScreenIdentifier) {
     pageOf(e())->paint.screenId = 7;
     ASSERT_EQ(KRYNPushGState(e()), KRYN_OK);
     ASSERT_EQ(KRYNPopGState(e()), KRYN_OK);
-    EXPECT_EQ(pageOf(e())->paint.screenId, 0xFFFFu); // no registered screen matches
+    EXPECT_EQ(pageOf(e())->paint.screenId, 0u) << "a state without a screen has none";
+    static const uint8_t tile[8] = {};
+    topOf(e()).screen.data = tile;
+    ASSERT_EQ(KRYNPushGState(e()), KRYN_OK);
+    ASSERT_EQ(KRYNPopGState(e()), KRYN_OK);
+    EXPECT_EQ(pageOf(e())->paint.screenId, 0xFFFFu) << "no registered screen matches";
 }
 
 TEST_F(GraphicsStateStack, PushedStateContinuesTheCurrentSubpath) {
