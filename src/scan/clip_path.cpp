@@ -29,15 +29,10 @@ ResultCode onCurrentClip(Engine* e) {
 } // namespace
 
 ResultCode clipToPath(Engine* e, uint32_t rule) {
-    GraphicsState* gs = currentState(e);
+    GraphicsState* gs = nullptr;
+    const ResultCode opening = pathCallState(e, rule, &gs);
     if (gs == nullptr) {
-        return KRYN_ERR_INVALID;
-    }
-    if (gs->path.paintFirst == nullptr) {
-        return KRYN_OK;
-    }
-    if (rule != FILL_EVEN_ODD && rule != FILL_NONZERO) {
-        return KRYN_ERR_INVALID;
+        return opening;
     }
     PageRecord& page = *e->pageSlot->page;
     if (page.pageQuarterTurns == -1 || e->baseClip == nullptr) {

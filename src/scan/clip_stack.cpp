@@ -34,6 +34,13 @@ void clearSaved(ClipStack* s) {
     s->saved = ClipRegion();
 }
 
+// The saved region is the current one: forget the save, and the pool that
+// held it is the current region's again.
+ResultCode forgetSaveOfCurrent(ClipStack* s) {
+    clearSaved(s);
+    return movePool(s, CLIP_POOL_SAVED, CLIP_POOL_CURRENT) ? KRYN_OK : KRYN_ERR_INVALID;
+}
+
 } // namespace
 
 namespace {
@@ -169,16 +176,14 @@ ResultCode popClip(ClipStack* s) {
     }
     if (s->saved.ownedList != nullptr) {
         if (s->saved.ownedList == s->current.ownedList) {
-            clearSaved(s);
-            return movePool(s, CLIP_POOL_SAVED, CLIP_POOL_CURRENT) ? KRYN_OK : KRYN_ERR_INVALID;
+            return forgetSaveOfCurrent(s);
         }
         if (!movePool(s, CLIP_POOL_CURRENT, CLIP_POOL_FREE)) {
             return KRYN_ERR_INVALID;
         }
         releaseClip(&s->current);
         s->current = s->saved;
-        clearSaved(s);
-        return movePool(s, CLIP_POOL_SAVED, CLIP_POOL_CURRENT) ? KRYN_OK : KRYN_ERR_INVALID;
+        return forgetSaveOfCurrent(s);
     }
     if (s->saved.activeList != nullptr && s->saved.activeList != s->current.activeList) {
         movePool(s, CLIP_POOL_CURRENT, CLIP_POOL_FREE);
@@ -195,8 +200,7 @@ ResultCode voidPushClip(ClipStack* s) {
     }
     if (s->saved.ownedList != nullptr) {
         if (s->saved.ownedList == s->current.ownedList) {
-            clearSaved(s);
-            return movePool(s, CLIP_POOL_SAVED, CLIP_POOL_CURRENT) ? KRYN_OK : KRYN_ERR_INVALID;
+            return forgetSaveOfCurrent(s);
         }
         if (!movePool(s, CLIP_POOL_SAVED, CLIP_POOL_FREE)) {
             return KRYN_ERR_INVALID;

@@ -32,15 +32,10 @@ ResultCode paintEdges(GraphicsState& gs, PageRecord& page, uint32_t rule) {
 } // namespace
 
 ResultCode fillPath(Engine* e, uint32_t rule) {
-    GraphicsState* gs = currentState(e);
+    GraphicsState* gs = nullptr;
+    const ResultCode opening = pathCallState(e, rule, &gs);
     if (gs == nullptr) {
-        return KRYN_ERR_INVALID;
-    }
-    if (gs->path.paintFirst == nullptr) {
-        return KRYN_OK;
-    }
-    if (rule != FILL_EVEN_ODD && rule != FILL_NONZERO) {
-        return KRYN_ERR_INVALID;
+        return opening;
     }
     PageRecord& page = *e->pageSlot->page;
     if (isWhitePaint(*gs)) {

@@ -12,6 +12,22 @@ constexpr uint32_t ROP_PATTERN_COPY = 0xF0;
 
 } // namespace
 
+ResultCode pathCallState(Engine* e, uint32_t rule, GraphicsState** gs) {
+    *gs = nullptr;
+    GraphicsState* state = currentState(e);
+    if (state == nullptr) {
+        return KRYN_ERR_INVALID;
+    }
+    if (state->path.paintFirst == nullptr) {
+        return KRYN_OK;
+    }
+    if (rule != FILL_EVEN_ODD && rule != FILL_NONZERO) {
+        return KRYN_ERR_INVALID;
+    }
+    *gs = state;
+    return KRYN_OK;
+}
+
 void consumePath(GraphicsState& gs, PageRecord& page, bool afterError) {
     if (gs.pathSealed != 0 && !afterError) {
         gs.pathSealed = 0;

@@ -9,6 +9,12 @@ namespace kryn {
 
 struct PageRecord;
 
+// The opening of fill and clip calls: *gs is the current state, or null
+// with KRYN_ERR_INVALID when no page is open; an empty path answers KRYN_OK
+// with *gs null (nothing to do, the rule unchecked); a rule other than
+// FILL_EVEN_ODD and FILL_NONZERO answers KRYN_ERR_INVALID.
+ResultCode pathCallState(Engine* e, uint32_t rule, GraphicsState** gs);
+
 // After a painting or clip call: a sealed path is kept once more (and the
 // seal cleared); otherwise, and always after an error, the path is freed.
 void consumePath(GraphicsState& gs, PageRecord& page, bool afterError);

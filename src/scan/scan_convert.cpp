@@ -57,17 +57,28 @@ const ClipRegion* clipNeededFor(const IntBox& box, const ClipRegion& clip, bool*
     return &clip;
 }
 
-ResultCode scanConvert(ScanState* scan, int32_t rule, const ClipRegion& clip, int32_t mode,
-                       const SpanRecorder* recorder) {
+namespace {
+
+// Where a scan's pieces go; false when there is nothing to sweep (no edges,
+// or the fill misses the clip).
+bool scanTarget(const ScanState* scan, const ClipRegion& clip, int32_t mode,
+                const SpanRecorder* recorder, ScanTarget* target) {
     if (scan->table.edges == nullptr) {
-        return finish(scan, KRYN_OK);
+        return false;
     }
     bool skip = false;
+    target->mode = mode;
+    target->recorder = recorder;
+    target->clip = clipNeededFor(scan->table.box, clip, &skip);
+    return !skip;
+}
+
+} // namespace
+
+ResultCode scanConvert(ScanState* scan, int32_t rule, const ClipRegion& clip, int32_t mode,
+                       const SpanRecorder* recorder) {
     ScanTarget target;
-    target.mode = mode;
-    target.recorder = recorder;
-    target.clip = clipNeededFor(scan->table.box, clip, &skip);
-    if (skip) {
+    if (!scanTarget(scan, clip, mode, recorder, &target)) {
         return finish(scan, KRYN_OK);
     }
     bool done = false;
@@ -84,15 +95,8 @@ ResultCode scanConvert(ScanState* scan, int32_t rule, const ClipRegion& clip, in
 
 ResultCode scanConvertStroke(ScanState* scan, const ClipRegion& clip, int32_t mode,
                              const SpanRecorder* recorder) {
-    if (scan->table.edges == nullptr) {
-        return finish(scan, KRYN_OK);
-    }
-    bool skip = false;
     ScanTarget target;
-    target.mode = mode;
-    target.recorder = recorder;
-    target.clip = clipNeededFor(scan->table.box, clip, &skip);
-    if (skip) {
+    if (!scanTarget(scan, clip, mode, recorder, &target)) {
         return finish(scan, KRYN_OK);
     }
     removeHorizontalEdges(&scan->table);
