@@ -15,7 +15,6 @@ namespace {
 inline constexpr uint16_t CLASS_BITS = 0xC000;
 inline constexpr uint16_t CLASS_GREY = 0x4000;
 inline constexpr uint16_t CLASS_SHARED = 0x8000;
-inline constexpr uint16_t CLASS_COLOUR = 0xC000;
 
 uint32_t compressedLength(const DownloadEntryA& e) {
     uint32_t length = 4;
