@@ -1,0 +1,60 @@
+// Every example and golden job survives the allocation-failure sweep: each
+// engine allocation (or, for long jobs, an even sample of them) fails in
+// turn, and the engine answers, recovers and frees everything.
+#include "support/job_sweep.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::vector<std::string> jobScripts() {
+    std::vector<std::string> jobs;
+    for (const char* dir : {KRYN_SOURCE_DIR "/examples", KRYN_SOURCE_DIR "/tests/golden"}) {
+        for (const auto& entry : std::filesystem::directory_iterator(dir)) {
+            if (entry.path().extension() == ".kjob") {
+                jobs.push_back(entry.path().string());
+            }
+        }
+    }
+    std::sort(jobs.begin(), jobs.end());
+    return jobs;
+}
+
+std::string testName(const ::testing::TestParamInfo<std::string>& info) {
+    std::string name = std::filesystem::path(info.param).parent_path().filename().string() + "_" +
+                       std::filesystem::path(info.param).stem().string();
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return !std::isalnum(c); }, '_');
+    return name;
+}
+
+class JobSweep : public ::testing::TestWithParam<std::string> {};
+
+} // namespace
+
+TEST_P(JobSweep, EveryFailedAllocationAnswersRecoversAndFreesEverything) {
+    kryn::test::JobSweepReport report = kryn::test::sweepJobScript(GetParam());
+    RecordProperty("allocations", static_cast<int>(report.allocations));
+    RecordProperty("failedRuns", static_cast<int>(report.failedRuns));
+    RecordProperty("followUps", static_cast<int>(report.followUps));
+    std::printf("%s: %llu allocations, %llu failed runs, %llu follow-ups\n", GetParam().c_str(),
+                static_cast<unsigned long long>(report.allocations),
+                static_cast<unsigned long long>(report.failedRuns),
+                static_cast<unsigned long long>(report.followUps));
+}
+
+INSTANTIATE_TEST_SUITE_P(Jobs, JobSweep, ::testing::ValuesIn(jobScripts()), testName);
+
+TEST(JobSweepSampling, LongJobsFailAnEvenSampleOfTheirAllocations) {
+    const std::string job = KRYN_SOURCE_DIR "/examples/first_page.kjob";
+    kryn::test::JobSweepReport report = kryn::test::sweepJobScript(job, 5);
+    ASSERT_GT(report.allocations, 5u);
+    EXPECT_EQ(report.failedRuns, 5u);
+}
