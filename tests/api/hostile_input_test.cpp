@@ -334,3 +334,18 @@ TEST(HostileInput, AbsurdEngineGeometryIsRefusedOrWorks) {
         EXPECT_EQ(KRYNPlatformLiveBlocks(), live);
     }
 }
+
+TEST(HostileInput, ScaleFactorsWithoutAFiniteInverseAreRefused) {
+    Engine* e = KRYNInit(99, 99, 16, 600, 0x8009);
+    ASSERT_EQ(KRYNNewPage(3, e), KRYN_OK);
+    const int32_t big[6] = {INT32_MAX, 0, 0, INT32_MAX, 0, 0};
+    ASSERT_EQ(KRYNSetMatrix(big, e), KRYN_OK);
+    for (float s :
+         {0.0f, std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(),
+          std::numeric_limits<float>::quiet_NaN(), 1e30f}) {
+        EXPECT_EQ(KRYNSetScale(s, e), KRYN_ERR_INVALID) << s;
+    }
+    EXPECT_EQ(KRYNSetScale(1e-9f, e), KRYN_OK);
+    EXPECT_EQ(KRYNClosePage(nullptr, 0, e), KRYN_OK);
+    KRYNEnd(e);
+}
