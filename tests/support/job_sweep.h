@@ -6,7 +6,9 @@
 // lifted, and a fixed follow-up on the same engine must close the page in
 // hand and paint and deliver a new one. After each run every traced call
 // must have answered KRYN_OK, KRYN_ERR_NO_MEMORY or what the clean run
-// answered, and every engine block must be back.
+// answered, and every engine block must be back. Each N is also played to
+// the end of the script with the failures left on (the starved run): every
+// answer must be a documented code and nothing may leak.
 #pragma once
 
 #include <cstdint>

@@ -8,14 +8,26 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
 
 namespace {
 
+// The example and golden jobs, or the ':'-separated list in KRYN_SWEEP_JOBS
+// (for sweeping a job by hand: kryn_tests --gtest_filter='Jobs/JobSweep*').
 std::vector<std::string> jobScripts() {
     std::vector<std::string> jobs;
+    if (const char* list = std::getenv("KRYN_SWEEP_JOBS")) {
+        std::string rest = list;
+        for (size_t colon; (colon = rest.find(':')) != std::string::npos;
+             rest.erase(0, colon + 1)) {
+            jobs.push_back(rest.substr(0, colon));
+        }
+        jobs.push_back(rest);
+        return jobs;
+    }
     for (const char* dir : {KRYN_SOURCE_DIR "/examples", KRYN_SOURCE_DIR "/tests/golden"}) {
         for (const auto& entry : std::filesystem::directory_iterator(dir)) {
             if (entry.path().extension() == ".kjob") {
