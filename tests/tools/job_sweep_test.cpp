@@ -15,17 +15,32 @@
 
 namespace {
 
-// The example and golden jobs, or the ':'-separated list in KRYN_SWEEP_JOBS
-// (for sweeping a job by hand: kryn_tests --gtest_filter='Jobs/JobSweep*').
+// Adds the file, or every file of the directory.
+void addJobs(const std::string& path, std::vector<std::string>& jobs) {
+    if (!std::filesystem::is_directory(path)) {
+        jobs.push_back(path);
+        return;
+    }
+    for (const auto& entry : std::filesystem::directory_iterator(path)) {
+        if (entry.is_regular_file()) {
+            jobs.push_back(entry.path().string());
+        }
+    }
+}
+
+// The example and golden jobs, or the ':'-separated files and directories in
+// KRYN_SWEEP_JOBS (for sweeping by hand, a fuzzing corpus for instance:
+// kryn_tests --gtest_filter='Jobs/JobSweep*').
 std::vector<std::string> jobScripts() {
     std::vector<std::string> jobs;
     if (const char* list = std::getenv("KRYN_SWEEP_JOBS")) {
         std::string rest = list;
         for (size_t colon; (colon = rest.find(':')) != std::string::npos;
              rest.erase(0, colon + 1)) {
-            jobs.push_back(rest.substr(0, colon));
+            addJobs(rest.substr(0, colon), jobs);
         }
-        jobs.push_back(rest);
+        addJobs(rest, jobs);
+        std::sort(jobs.begin(), jobs.end());
         return jobs;
     }
     for (const char* dir : {KRYN_SOURCE_DIR "/examples", KRYN_SOURCE_DIR "/tests/golden"}) {
