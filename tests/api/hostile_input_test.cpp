@@ -305,12 +305,26 @@ TEST(HostileInput, AbsurdEngineGeometryIsRefusedOrWorks) {
         bool opens;
     };
     const Geometry geometries[] = {
-        {1, 1, 1, true},           {0, 1, 1, false},           {1, 0, 1, false},
-        {1, 1, 0, false},          {-1, 10, 8, false},         {10, 10, -1, false},
-        {INT32_MAX, 10, 8, false}, {65535, 10, 8, true},       {65536, 10, 8, false},
-        {65534, 3, 1, true},       {10, INT32_MAX, 8, false},  {10, INT32_MAX - 1, 32767, false},
-        {10, 32765, 1, true},      {10, 32766, 1, false},      {10, 40000, 32767, true},
-        {1, 1, 32767, true},       {10, 10, INT16_MIN, false}, {INT32_MIN, INT32_MIN, 1, false},
+        {1, 1, 1, true},
+        {0, 1, 1, false},
+        {1, 0, 1, false},
+        {1, 1, 0, false},
+        {-1, 10, 8, false},
+        {10, 10, -1, false},
+        {INT32_MAX, 10, 8, false},
+        {65535, 10, 8, true},
+        {65536, 10, 8, false},
+        {65534, 3, 1, true},
+        {10, INT32_MAX, 8, false},
+        {10, INT32_MAX - 1, 32767, false},
+        {10, 32765, 1, true},
+        {10, 32766, 1, false},
+        {10, 40000, 32767, true},
+        {10, (1 << 27) - 2, 32767, true},
+        {10, (1 << 27) - 1, 32767, false},
+        {1, 1, 32767, true},
+        {10, 10, INT16_MIN, false},
+        {INT32_MIN, INT32_MIN, 1, false},
     };
     for (const Geometry& g : geometries) {
         const uint64_t live = KRYNPlatformLiveBlocks();
@@ -348,4 +362,27 @@ TEST(HostileInput, ScaleFactorsWithoutAFiniteInverseAreRefused) {
     EXPECT_EQ(KRYNSetScale(1e-9f, e), KRYN_OK);
     EXPECT_EQ(KRYNClosePage(nullptr, 0, e), KRYN_OK);
     KRYNEnd(e);
+}
+
+TEST(HostileInput, BandGroupsMovedFarPastThePageAdmitNothing) {
+    // Tall bands and groups moved by up to 32767 bands at a time: the group's
+    // rows leave the page (and wrap in 16 bits); its clip must stay on the page.
+    for (uint32_t step : {0u, 1u, 32767u, 65535u, 0x80000000u}) {
+        const uint64_t live = KRYNPlatformLiveBlocks();
+        Engine* e = KRYNInit(199, 52, 9055, 300, 0x8009);
+        ASSERT_NE(e, nullptr);
+        ASSERT_EQ(KRYNNewPage(1, e), KRYN_OK);
+        ASSERT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK);
+        RasterCount sink;
+        for (int i = 0; i < 6; ++i) {
+            EXPECT_EQ(KRYNNextBand(step, &RasterCount::callback, sink.context(), e), KRYN_OK);
+            EXPECT_EQ(KRYNClearClip(e), KRYN_OK);
+            EXPECT_EQ(KRYNRectPath(0, 0, 150, 40, e), KRYN_OK);
+            EXPECT_TRUE(documented(KRYNFill(FILL_NONZERO, e))) << step;
+        }
+        EXPECT_EQ(KRYNClosePage(&RasterCount::callback, sink.context(), e), KRYN_OK);
+        expectEnginePaints(e, "after groups of " + std::to_string(step));
+        KRYNEnd(e);
+        EXPECT_EQ(KRYNPlatformLiveBlocks(), live);
+    }
 }
