@@ -14,6 +14,18 @@
  *  - KRYN_ERR_NO_MEMORY leaves the engine and the open page usable.
  *  - A null pointer where a call needs one answers KRYN_ERR_INVALID and
  *    changes nothing.
+ *
+ * Hostile input (every operation is exercised this way by the tests, also
+ * under the address and undefined-behaviour sanitizers):
+ *  - Every operation answers KRYN_OK or one of the error codes below, for
+ *    any value of every argument; none crashes, and none keeps memory that
+ *    the engine does not own afterwards.
+ *  - Coordinates, sizes and matrix entries may take any value of their type
+ *    (INT32_MIN and INT32_MAX included); nothing is painted outside the page.
+ *  - A count is trusted to match its array: the caller's array must hold
+ *    what the count says.
+ *  - An error answer leaves the engine usable: the next page paints and
+ *    delivers normally.
  */
 #ifndef KRYN_KRYN_H
 #define KRYN_KRYN_H
@@ -64,7 +76,9 @@ typedef struct ScreenTile { /* a halftone or pattern tile */
 #define KRYN_ERR_GSTATE_UNDERFLOW 0xFF05
 
 /* An OutputCallback answers a band raster (codes 0x500..0x900) with this to
- * ask for the whole page once more. */
+ * ask for the whole page once more. Any other answer, and every answer to a
+ * stream call or a 0x200 raster, means "go on". A second request during the
+ * same page close ends its playback; the close still answers KRYN_OK. */
 #define KRYN_CB_RESTART 0x80000000u
 
 #define CB_STREAM_DATA 0x100u
@@ -84,7 +98,8 @@ typedef struct ScreenTile { /* a halftone or pattern tile */
 
 /* Opens an engine for a page of (width + 1) x (height + 1) device pixels cut
  * into bands of bandHeight rows. Returns NULL when width, height or
- * bandHeight is below 1, or when memory runs out. */
+ * bandHeight is below 1, width is above 65535, height is above 134217726
+ * (2^27 - 2), the page would need more than 32766 bands, or memory runs out. */
 KRYN_EXPORT Engine* KRYNInit(int32_t width, int32_t height, int16_t bandHeight, uint16_t resolution,
                              uint16_t deviceLevel);
 /* Releases the engine and everything it owns, after sending any stream
@@ -115,7 +130,9 @@ KRYN_EXPORT ResultCode KRYNNextBand(uint32_t bandsPerGroup, OutputCallback cb, u
  * only; KRYN_ERR_INVALID in the others. */
 KRYN_EXPORT ResultCode KRYNSetReverseSide(Engine* e);
 /* out: raster row bytes, band count, page width, page height, and the two
- * reverse-side offsets (0 unless the page is set to the reverse side). */
+ * reverse-side offsets (0 unless the page is set to the reverse side).
+ * Each value is kept to 16 bits: the width of a 65536-pixel page reads 0,
+ * and so does the row of a 32-bit raster 16384 pixels wide. */
 KRYN_EXPORT ResultCode KRYNGetPageInfo(uint16_t out[6], Engine* e);
 
 /* ---- Graphics state stack and page-wide settings -------------------- */
@@ -141,7 +158,8 @@ KRYN_EXPORT ResultCode KRYNSetQuantization(Engine* e);
  * tx, ty}. KRYN_ERR_INVALID for a singular matrix (nothing changes). The
  * first right-angle matrix of a page fixes the page orientation. */
 KRYN_EXPORT ResultCode KRYNSetMatrix(const int32_t m[6], Engine* e);
-/* Multiplies the linear part by s. KRYN_ERR_INVALID when s makes it singular. */
+/* Multiplies the linear part by s. KRYN_ERR_INVALID (nothing changes) when s
+ * makes it singular or its determinant infinite, or s is NaN or infinite. */
 KRYN_EXPORT ResultCode KRYNSetScale(float s, Engine* e);
 /* Moves every later device point by (dx, dy) pixels. */
 KRYN_EXPORT ResultCode KRYNSetTranslation(int32_t dx, int32_t dy, Engine* e);

@@ -79,7 +79,8 @@ ResultCode nextBand(Engine* e, uint32_t bandsPerGroup, OutputCallback callback, 
     }
     const int16_t oldLast = page->group.last;
     page->group.first = static_cast<int16_t>(oldLast + 1);
-    page->group.last = static_cast<int16_t>(oldLast + static_cast<int32_t>(bandsPerGroup));
+    // Summed in 64 bits (any bandsPerGroup), then wrapped to 16 like the rest.
+    page->group.last = static_cast<int16_t>(int64_t{oldLast} + int64_t{bandsPerGroup});
     // The clip follows the page, or the band group now open.
     return rebuildPageClip(e);
 }

@@ -1,6 +1,7 @@
 #include "geometry/arcs.h"
 
 #include "geometry/path_build.h"
+#include "geometry/saturate.h"
 
 #include <cmath>
 
@@ -129,7 +130,7 @@ ResultCode buildCircleArc(PathPool& pool, Subpath* sub, const ArcDesc& arc, cons
     Vec dv = mapVector(m, v);
     Vec dq = mapVector(m, q);
     Vec p0 = c + dv;
-    const auto radius = static_cast<int32_t>(r * 65536.0f);
+    const auto radius = saturateToInt32(static_cast<double>(r) * 65536.0);
 
     for (int32_t i = 0; i < quarters; ++i) {
         const Vec p1 = p0 + ARC_KAPPA * dq;

@@ -1,4 +1,5 @@
 #include "geometry/flatten.h"
+#include "geometry/saturate.h"
 
 #include <cstdlib>
 
@@ -94,7 +95,7 @@ ResultCode floatStep(const FloatPoint p[4], const FloatBox& clip, float toleranc
 }
 
 int32_t toFixed(float v) {
-    return static_cast<int32_t>(static_cast<double>(v) * 65536.0);
+    return saturateToInt32(static_cast<double>(v) * 65536.0);
 }
 
 } // namespace

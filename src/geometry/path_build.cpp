@@ -1,13 +1,14 @@
 #include "geometry/path_build.h"
 
 #include "engine/graphics_state.h"
+#include "geometry/saturate.h"
 #include "geometry/user_points.h"
 
 namespace kryn {
 namespace {
 
 int32_t truncateToPixel(float v) {
-    return static_cast<int32_t>(v);
+    return saturateToInt32(v);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "engine/graphics_state.h"
 #include "geometry/arcs.h"
 #include "geometry/path_build.h"
+#include "geometry/saturate.h"
 
 #include <cstdlib>
 
@@ -188,8 +189,8 @@ ResultCode rectPath(GraphicsState& gs, PathPool& pool, int32_t x, int32_t y, int
     float p0[2];
     m.transformPoint(static_cast<float>(x), static_cast<float>(y), p0, m);
     const bool integer = gs.integerCoords != 0 && isRightAngleKind(m.kind);
-    const auto x0 = static_cast<int32_t>(p0[0]);
-    const auto y0 = static_cast<int32_t>(p0[1]);
+    const auto x0 = saturateToInt32(p0[0]);
+    const auto y0 = saturateToInt32(p0[1]);
     if (integer) {
         p0[0] = static_cast<float>(x0);
         p0[1] = static_cast<float>(y0);

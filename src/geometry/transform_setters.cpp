@@ -4,6 +4,8 @@
 #include "engine/page_record.h"
 #include "geometry/orientation_clip.h"
 
+#include <cmath>
+
 namespace kryn {
 
 ResultCode setMatrix(Engine* e, const int32_t m[6]) {
@@ -44,8 +46,10 @@ ResultCode setScale(Engine* e, float s) {
     }
     Transform& t = gs->transform;
     const float det = s * t.det * s;
-    if (!(det != 0.0f)) {
-        return KRYN_ERR_INVALID; // a factor of 0 (or NaN) would leave no inverse
+    if (!(det != 0.0f) || !std::isfinite(det)) {
+        // A factor of 0 (or NaN) would leave no inverse; an infinite one (or
+        // one that overflows the determinant) no finite device point.
+        return KRYN_ERR_INVALID;
     }
     gs->scale = s;
     t.a *= s;

@@ -2,6 +2,8 @@
 #include "scan/clip_stack.h"
 #include "scan/edge_rows.h"
 
+#include <algorithm>
+
 namespace kryn {
 
 namespace {
@@ -31,13 +33,17 @@ ResultCode buildBaseClip(ScanState* scan, const ClipPage& page, BaseClip** base)
     int32_t top = 0;
     const int32_t further = page.mode == 3 ? 0 : 1;
     int32_t right = page.pageWidth - 1 + further;
-    int32_t bottom = page.pageHeight - 1 + further;
+    const int32_t pageBottom = page.pageHeight - 1 + further;
+    int32_t bottom = pageBottom;
     if (!wholePageMode(page.mode)) {
-        top = page.groupFirst * page.bandHeight - turnRow;
-        top = top < 0 ? 0 : top;
+        // A group moved past the page (or wrapped in 16 bits) keeps its rows
+        // on the page, so that their sixteenths fit 32 bits: it admits nothing.
+        const int64_t groupTop = int64_t{page.groupFirst} * page.bandHeight - turnRow;
+        top = static_cast<int32_t>(std::clamp<int64_t>(groupTop, 0, pageBottom));
+        const int64_t groupBottom = int64_t{page.groupLast + 1} * page.bandHeight - turnRow;
         bottom = page.groupLast + 1 >= page.bandCount
-                     ? page.pageHeight - 1 + further
-                     : (page.groupLast + 1) * page.bandHeight - turnRow;
+                     ? pageBottom
+                     : static_cast<int32_t>(std::clamp<int64_t>(groupBottom, top, pageBottom));
     }
     freeAndClear(*base);
     BaseClip* b = createRecord<BaseClip>();

@@ -1,6 +1,7 @@
 #include "scan/path_edges.h"
 
 #include "geometry/flatten.h"
+#include "geometry/saturate.h"
 #include "scan/polyline_edges.h"
 
 namespace kryn {
@@ -108,7 +109,9 @@ class SubpathWalker {
         case SEG_LINE:
             return line(at[0], at[1], s.line[0], s.line[1]);
         case SEG_LINE_INT: {
-            const int32_t from[2] = {static_cast<int32_t>(at[0]), static_cast<int32_t>(at[1])};
+            // at may lie beyond int32 (a float path point): saturate, the
+            // comparison below then sends it the float way.
+            const int32_t from[2] = {saturateToInt32(at[0]), saturateToInt32(at[1])};
             if (at[0] == static_cast<float>(from[0]) && at[1] == static_cast<float>(from[1]) &&
                 fitsFixed(from, 2) && fitsFixed(s.lineInt, 2)) {
                 return addEdgeFixed(scan_, from[0] * 65536, from[1] * 65536, s.lineInt[0] * 65536,

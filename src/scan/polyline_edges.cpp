@@ -14,14 +14,16 @@ int32_t region(double v) {
     return v < -COORD_LIMIT_PIXELS ? -1 : (v > COORD_LIMIT_PIXELS ? 1 : 0);
 }
 
-int32_t clampSixteenths(double v) {
-    const int32_t r = region(v);
-    return r < 0 ? CLAMP_LOW : (r > 0 ? CLAMP_HIGH : static_cast<int32_t>(v * 16.0));
-}
-
 int32_t toSixteenths(double v) {
     const double s = v * 16.0;
     return s <= CLAMP_LOW ? CLAMP_LOW : (s >= CLAMP_HIGH ? CLAMP_HIGH : static_cast<int32_t>(s));
+}
+
+// The limit itself (2^27 pixels) is inside the box but 2^31 sixteenths is
+// beyond int32, so the inside branch saturates too.
+int32_t clampSixteenths(double v) {
+    const int32_t r = region(v);
+    return r < 0 ? CLAMP_LOW : (r > 0 ? CLAMP_HIGH : toSixteenths(v));
 }
 
 struct Cut {

@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <utility>
+#include <vector>
 
 using namespace kryn::script;
 
@@ -104,4 +106,28 @@ TEST(PageBands, PlacesReverseSideAndBandGroupDeliveries) {
     bands.nextBand(2); // base 2, group 2..3 ends with the last band
     bands.nextBand(2); // so the base stays
     EXPECT_EQ(bands.pageBandOf(1), 3u);
+}
+
+TEST(JobPlayer, AfterLineSeesEachLineWithItsEngineAndCanStopThePlay) {
+    uint64_t live = KRYNPlatformLiveBlocks();
+    std::ostringstream trace;
+    PlayerOptions options;
+    options.trace = &trace;
+    std::vector<std::pair<int, bool>> seen;
+    options.afterLine = [&](int line, Engine* engine) {
+        seen.emplace_back(line, engine != nullptr);
+        if (line == 4) {
+            // The engine in hand stays usable between lines.
+            EXPECT_EQ(KRYNDisposePage(engine), KRYN_OK);
+            return false;
+        }
+        return true;
+    };
+    JobPlayer player("job.kjob", ".", options);
+    std::istringstream in("Init 0 99 16 300 0\nInit 99 99 16 300 0\n# comment\nNewPage 3\n"
+                          "NewPage 3\n");
+    EXPECT_EQ(player.run(in).status, 0);
+    EXPECT_EQ(seen, (std::vector<std::pair<int, bool>>{{1, false}, {2, true}, {4, true}}));
+    EXPECT_EQ(trace.str(), "1 Init null\n2 Init ok\n4 NewPage 0x0000\n5 End 0x0000\n");
+    EXPECT_EQ(KRYNPlatformLiveBlocks(), live);
 }

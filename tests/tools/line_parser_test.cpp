@@ -92,6 +92,11 @@ TEST(ByteData, ReadsFilesRelativeToTheScript) {
               (std::vector<uint8_t>{1, 2, 3}));
     EXPECT_THROW(decodeByteData("file:missing.bin", ByteDataSource{dir}), ScriptError);
     EXPECT_THROW(decodeByteData("file:bytes.bin", ByteDataSource{dir, false}), ScriptError);
+    // Directories and devices are script errors, not stream exceptions or
+    // endless reads; a file over the limit is refused before it is read.
+    EXPECT_THROW(decodeByteData("file:.", ByteDataSource{dir}), ScriptError);
+    EXPECT_THROW(decodeByteData("file:/dev/zero", ByteDataSource{dir}), ScriptError);
+    EXPECT_THROW(decodeByteData("file:bytes.bin", ByteDataSource{dir, true, 2}), ScriptError);
     std::remove((dir + "/bytes.bin").c_str());
 }
 

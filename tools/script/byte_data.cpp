@@ -2,6 +2,7 @@
 
 #include "script_error.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -76,6 +77,16 @@ std::vector<uint8_t> readFile(std::string_view relative, const ByteDataSource& s
     std::string path(relative);
     if (path[0] != '/' && !source.baseDirectory.empty()) {
         path = source.baseDirectory + "/" + path;
+    }
+    // Only regular files: a directory makes the stream throw, and a device
+    // such as /dev/zero would never end. The size is checked before reading.
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) {
+        throw ScriptError("cannot read file '" + path + "'");
+    }
+    const uintmax_t size = std::filesystem::file_size(path, error);
+    if (!error && size > source.maxBytes) {
+        throw ScriptError("file '" + path + "' is too large");
     }
     std::ifstream in(path, std::ios::binary);
     if (!in) {

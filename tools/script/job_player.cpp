@@ -224,6 +224,9 @@ PlayResult JobPlayer::run(std::istream& script) {
             ++number;
             if (auto line = parseLine(text, number, source)) {
                 playLine(*line);
+                if (options_.afterLine && !options_.afterLine(number, engine_)) {
+                    break;
+                }
             }
         }
     } catch (const ScriptError& error) {

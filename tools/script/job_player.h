@@ -49,6 +49,10 @@ struct PlayerOptions {
     // After an Init that opened an engine: page width and height in pixels
     // (the Init arguments + 1) and the band height.
     std::function<void(uint32_t, uint32_t, uint32_t)> onInit;
+    // After every line that holds a call or directive, with the engine in hand
+    // (null when none is open). Answering false stops the script after that
+    // line; the player then ends the engine as it does at end of file.
+    std::function<bool(int, Engine*)> afterLine;
     bool allowFiles = true;            // file: byte data may be read
     size_t maxBytes = size_t{1} << 30; // the most one argument's data may take
 };

@@ -1,0 +1,388 @@
+// Hostile input through every exported operation: a null engine, no open
+// page, null pointers, extreme counts, coordinates and matrices, and absurd
+// engine geometry. Every call must answer one of the documented result codes,
+// free everything, and leave an engine that still paints and delivers. The
+// operations come from the player's table, which covers the public header
+// (operation_table_test checks that), so a new operation is attacked too.
+#include "operation_table.h"
+
+#include "kryn/kryn.h"
+#include "kryn/platform.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+#include <string>
+#include <vector>
+
+using namespace kryn::script;
+
+namespace {
+
+constexpr int64_t I32_MIN = std::numeric_limits<int32_t>::min();
+constexpr int64_t I32_MAX = std::numeric_limits<int32_t>::max();
+constexpr int64_t PIXELS_2_27 = int64_t{1} << 27;
+
+// The operations that work without an open page.
+bool needsNoPage(std::string_view name) {
+    return name == "ColorAttribute" || name == "GetPageResource" || name == "NewPage" ||
+           name == "End" || name == "SetQuantization";
+}
+
+bool isArray(ParamType t) {
+    return t == ParamType::ArrayI32 || t == ParamType::ArrayI16 || t == ParamType::ArrayU16 ||
+           t == ParamType::ArrayU32;
+}
+
+std::vector<int64_t> hostileIntegers(ParamType t) {
+    switch (t) {
+    case ParamType::I16:
+    case ParamType::ArrayI16:
+        return {0, -1, 1, 32767, -32768, 3};
+    case ParamType::U16:
+    case ParamType::ArrayU16:
+        return {0, 1, 3, 32767, 65535, 256};
+    case ParamType::U32:
+    case ParamType::OneU32:
+    case ParamType::ArrayU32:
+        return {0, 1, 32767, 0x80000000, 0xFFFFFFFF};
+    default:
+        return {0, -1, 32767, I32_MIN, I32_MAX, PIXELS_2_27, -PIXELS_2_27, PIXELS_2_27 - 1};
+    }
+}
+
+const std::vector<double> HOSTILE_REALS = {0.0,
+                                           -1.0,
+                                           1e-30,
+                                           1e30,
+                                           -1e30,
+                                           std::numeric_limits<double>::infinity(),
+                                           std::numeric_limits<double>::quiet_NaN(),
+                                           65536.0};
+
+// A frame whose every argument is an ordinary value: scalars 1 (reals 1.0),
+// arrays of 10s long enough for what the call reads, one-value pointers 0.
+CallFrame ordinaryFrame(const OperationSpec& op) {
+    CallFrame f;
+    f.args.resize(op.params.size());
+    for (size_t i = 0; i < op.params.size(); ++i) {
+        f.args[i].integer = op.params[i].type == ParamType::OneU32 ? 0 : 1;
+        f.args[i].real = 1.0;
+    }
+    return f;
+}
+
+// Sizes every array to what the call will read, filled with `value`;
+// one-value pointers point at `value` too.
+void fillArrays(const OperationSpec& op, CallFrame& f, int64_t value) {
+    for (size_t i = 0; i < op.params.size(); ++i) {
+        const ParamSpec& p = op.params[i];
+        BoundArg& a = f.args[i];
+        size_t n = static_cast<size_t>(p.length.fixed);
+        if (p.length.countArg >= 0) {
+            const int64_t count = f.args[static_cast<size_t>(p.length.countArg)].integer;
+            n = static_cast<size_t>(std::max<int64_t>(count, 0) * p.length.perCount);
+        }
+        a.i32.assign(std::max<size_t>(n, 1), static_cast<int32_t>(value));
+        a.i16.assign(std::max<size_t>(n, 1), static_cast<int16_t>(value));
+        a.u16.assign(std::max<size_t>(n, 1), static_cast<uint16_t>(value));
+        a.u32.assign(std::max<size_t>(n, 1), static_cast<uint32_t>(value));
+    }
+}
+
+struct Case {
+    std::string what;
+    CallFrame frame;
+    bool nullPointer = false;
+};
+
+// Each argument of op in turn made hostile while the others stay ordinary.
+std::vector<Case> hostileCases(const OperationSpec& op) {
+    std::vector<Case> cases;
+    for (size_t p = 0; p < op.params.size(); ++p) {
+        const ParamType t = op.params[p].type;
+        const std::string where = std::string(op.name) + " arg " + std::to_string(p);
+        if (t == ParamType::F32) {
+            for (double v : HOSTILE_REALS) {
+                Case c{where + " = " + std::to_string(v), ordinaryFrame(op)};
+                c.frame.args[p].real = v;
+                fillArrays(op, c.frame, 10);
+                cases.push_back(std::move(c));
+            }
+            continue;
+        }
+        if (isArray(t) || t == ParamType::OneU32 || t == ParamType::Output) {
+            Case c{where + " = null", ordinaryFrame(op), true};
+            c.frame.args[p].isNull = true;
+            fillArrays(op, c.frame, 10);
+            cases.push_back(std::move(c));
+        }
+        if (t == ParamType::Output) {
+            continue;
+        }
+        for (int64_t v : hostileIntegers(t)) {
+            Case c{where + " = " + std::to_string(v), ordinaryFrame(op)};
+            if (isArray(t) || t == ParamType::OneU32) {
+                fillArrays(op, c.frame, v);
+            } else {
+                c.frame.args[p].integer = v;
+                fillArrays(op, c.frame, 10);
+            }
+            cases.push_back(std::move(c));
+        }
+    }
+    if (cases.empty()) {
+        cases.push_back({std::string(op.name), ordinaryFrame(op)});
+    }
+    return cases;
+}
+
+bool documented(ResultCode r) {
+    return r == KRYN_OK || r == KRYN_ERR_NO_MEMORY || r == KRYN_ERR_INVALID ||
+           r == KRYN_ERR_NO_CURRENT_POINT || r == KRYN_ERR_GSTATE_UNDERFLOW;
+}
+
+struct RasterCount {
+    int rasters = 0;
+    static uint32_t callback(uint32_t code, uint32_t, const void*, uint32_t, uintptr_t context,
+                             const RasterRect*) {
+        if (code == CB_RASTER_BOX || (code >= CB_RASTER_STANDARD && code <= CB_RASTER_DIRECT)) {
+            ++reinterpret_cast<RasterCount*>(context)->rasters;
+        }
+        return 0;
+    }
+    uintptr_t context() { return reinterpret_cast<uintptr_t>(this); }
+};
+
+const int32_t IDENTITY[6] = {1, 0, 0, 1, 0, 0};
+
+// The engine still opens a page, fills a rectangle and delivers it.
+void expectEnginePaints(Engine* e, const std::string& after) {
+    RasterCount count;
+    ASSERT_EQ(KRYNNewPage(3, e), KRYN_OK) << after;
+    const ColourValue black = 0;
+    EXPECT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK) << after;
+    EXPECT_EQ(KRYNSetColor(&black, 0, e), KRYN_OK) << after;
+    EXPECT_EQ(KRYNRectPath(2, 2, 8, 8, e), KRYN_OK) << after;
+    EXPECT_EQ(KRYNFill(FILL_NONZERO, e), KRYN_OK) << after;
+    EXPECT_EQ(KRYNClosePage(&RasterCount::callback, count.context(), e), KRYN_OK) << after;
+    EXPECT_GT(count.rasters, 0) << after;
+}
+
+// Plays one hostile call on a fresh engine with a page of `mode` open and a
+// current point, paints whatever path it left, sends the page out, and checks
+// that nothing leaked and the engine still works.
+void attack(const OperationSpec& op, Case& c, int16_t mode) {
+    const uint64_t live = KRYNPlatformLiveBlocks();
+    const std::string what = c.what + " in mode " + std::to_string(mode);
+    Engine* e = KRYNInit(199, 149, 32, 600, 0x8009);
+    ASSERT_NE(e, nullptr);
+    RasterCount sink;
+    c.frame.callback = &RasterCount::callback;
+    c.frame.context = sink.context();
+    ASSERT_EQ(KRYNNewPage(mode, e), KRYN_OK);
+    ASSERT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK);
+    ASSERT_EQ(KRYNMoveTo(10, 10, e), KRYN_OK);
+    const ResultCode r = op.invoke(e, c.frame);
+    EXPECT_TRUE(documented(r)) << what << " answered 0x" << std::hex << r;
+    if (c.nullPointer && op.name != "Bezier3To" && op.name != "Bezier3To16") {
+        EXPECT_EQ(r, KRYN_ERR_INVALID) << what;
+    }
+    if (op.name == "End") {
+        EXPECT_EQ(KRYNPlatformLiveBlocks(), live) << what;
+        return;
+    }
+    const ResultCode fill = KRYNFill(FILL_NONZERO, e);
+    EXPECT_TRUE(documented(fill)) << what << ": the following fill answered 0x" << std::hex << fill;
+    const ResultCode next = KRYNNextBand(1, &RasterCount::callback, sink.context(), e);
+    EXPECT_TRUE(next == KRYN_OK || next == KRYN_ERR_INVALID) << what;
+    const ResultCode close = KRYNClosePage(&RasterCount::callback, sink.context(), e);
+    EXPECT_TRUE(close == KRYN_OK || close == KRYN_ERR_INVALID) << what;
+    // Closed already unless the call under attack opened a page of its own.
+    const ResultCode disposed = KRYNDisposePage(e);
+    EXPECT_TRUE(disposed == KRYN_OK || disposed == KRYN_ERR_INVALID) << what;
+    expectEnginePaints(e, what);
+    EXPECT_EQ(KRYNEnd(e), KRYN_OK);
+    EXPECT_EQ(KRYNPlatformLiveBlocks(), live) << what << " leaked";
+}
+
+} // namespace
+
+TEST(HostileInput, EveryOperationRefusesANullEngine) {
+    for (const OperationSpec* op = operationsBegin(); op != operationsEnd(); ++op) {
+        CallFrame f = ordinaryFrame(*op);
+        fillArrays(*op, f, 10);
+        EXPECT_EQ(op->invoke(nullptr, f), KRYN_ERR_INVALID) << op->name;
+    }
+}
+
+TEST(HostileInput, PageOperationsWithoutAnOpenPageAnswerInvalid) {
+    for (const OperationSpec* op = operationsBegin(); op != operationsEnd(); ++op) {
+        if (needsNoPage(op->name)) {
+            continue;
+        }
+        const uint64_t live = KRYNPlatformLiveBlocks();
+        Engine* e = KRYNInit(99, 99, 16, 300, 0x8009);
+        ASSERT_NE(e, nullptr);
+        // Once before any page and once after a page was closed.
+        for (int round = 0; round < 2; ++round) {
+            CallFrame f = ordinaryFrame(*op);
+            fillArrays(*op, f, 10);
+            EXPECT_EQ(op->invoke(e, f), KRYN_ERR_INVALID) << op->name << " round " << round;
+            ASSERT_EQ(KRYNNewPage(3, e), KRYN_OK);
+            ASSERT_EQ(KRYNClosePage(nullptr, 0, e), KRYN_OK);
+        }
+        expectEnginePaints(e, std::string(op->name));
+        KRYNEnd(e);
+        EXPECT_EQ(KRYNPlatformLiveBlocks(), live) << op->name;
+    }
+}
+
+TEST(HostileInput, EveryArgumentOfEveryOperationAtItsExtremes) {
+    int attacks = 0;
+    for (const OperationSpec* op = operationsBegin(); op != operationsEnd(); ++op) {
+        for (Case& c : hostileCases(*op)) {
+            for (int16_t mode : {3, 2, 0}) {
+                Case copy = c;
+                attack(*op, copy, mode);
+                ++attacks;
+            }
+            if (::testing::Test::HasFailure()) {
+                return;
+            }
+        }
+    }
+    RecordProperty("attacks", attacks);
+    std::printf("%d hostile calls\n", attacks);
+}
+
+TEST(HostileInput, SingularAndHugeMatricesThenShapes) {
+    const std::vector<std::vector<int32_t>> matrices = {
+        {0, 0, 0, 0, 0, 0},
+        {1, 2, 2, 4, 0, 0},                                          // singular
+        {65536, 65536, 65536, 65536, 0, 0},                          // 0 in wrapping arithmetic
+        {INT32_MAX, 0, 0, INT32_MAX, 0, 0},                          // enormous scale
+        {INT32_MIN, 0, 0, INT32_MIN, INT32_MAX, INT32_MIN},          // enormous, far away
+        {INT32_MAX, INT32_MAX, INT32_MIN, INT32_MAX, 0, 0},          // overflowing determinant
+        {0, INT32_MAX, INT32_MIN, 0, 0, 0},                          // right-angle, enormous
+        {1, 0, 0, 1, static_cast<int32_t>(PIXELS_2_27), -(1 << 27)}, // far off the page
+        {3, 1, 1, 3, 0, 0},                                          // skewed
+    };
+    for (const auto& m : matrices) {
+        for (float scale : {1.0f, 1e20f, 1e-20f}) {
+            const uint64_t live = KRYNPlatformLiveBlocks();
+            Engine* e = KRYNInit(199, 149, 32, 600, 0x8009);
+            ASSERT_NE(e, nullptr);
+            ASSERT_EQ(KRYNNewPage(3, e), KRYN_OK);
+            const ResultCode set = KRYNSetMatrix(m.data(), e);
+            EXPECT_TRUE(set == KRYN_OK || set == KRYN_ERR_INVALID);
+            const ResultCode scaled = KRYNSetScale(scale, e);
+            EXPECT_TRUE(scaled == KRYN_OK || scaled == KRYN_ERR_INVALID);
+            EXPECT_TRUE(documented(KRYNEllipsePath(-50, -50, 50, 50, e)));
+            EXPECT_TRUE(documented(KRYNRoundRectPath(0, 0, 100, 80, 10, 10, e)));
+            EXPECT_TRUE(documented(KRYNFanPath(0, 0, 100, 100, 100, 50, 50, 0, e)));
+            EXPECT_TRUE(documented(KRYNFill(FILL_EVEN_ODD, e)));
+            EXPECT_TRUE(documented(KRYNRectPath(0, 0, 40, 40, e)));
+            EXPECT_TRUE(documented(KRYNClip(FILL_NONZERO, e)));
+            EXPECT_TRUE(documented(KRYNRectPath(0, 0, 400, 400, e)));
+            EXPECT_TRUE(documented(KRYNFill(FILL_NONZERO, e)));
+            EXPECT_EQ(KRYNClosePage(nullptr, 0, e), KRYN_OK);
+            expectEnginePaints(e, "after matrix " + std::to_string(m[0]));
+            KRYNEnd(e);
+            EXPECT_EQ(KRYNPlatformLiveBlocks(), live);
+        }
+    }
+}
+
+TEST(HostileInput, AbsurdEngineGeometryIsRefusedOrWorks) {
+    struct Geometry {
+        int32_t width, height;
+        int16_t bandHeight;
+        bool opens;
+    };
+    const Geometry geometries[] = {
+        {1, 1, 1, true},
+        {0, 1, 1, false},
+        {1, 0, 1, false},
+        {1, 1, 0, false},
+        {-1, 10, 8, false},
+        {10, 10, -1, false},
+        {INT32_MAX, 10, 8, false},
+        {65535, 10, 8, true},
+        {65536, 10, 8, false},
+        {65534, 3, 1, true},
+        {10, INT32_MAX, 8, false},
+        {10, INT32_MAX - 1, 32767, false},
+        {10, 32765, 1, true},
+        {10, 32766, 1, false},
+        {10, 40000, 32767, true},
+        {10, (1 << 27) - 2, 32767, true},
+        {10, (1 << 27) - 1, 32767, false},
+        {1, 1, 32767, true},
+        {10, 10, INT16_MIN, false},
+        {INT32_MIN, INT32_MIN, 1, false},
+    };
+    for (const Geometry& g : geometries) {
+        const uint64_t live = KRYNPlatformLiveBlocks();
+        Engine* e = KRYNInit(g.width, g.height, g.bandHeight, 600, 0x8009);
+        EXPECT_EQ(e != nullptr, g.opens)
+            << g.width << 'x' << g.height << " bands of " << g.bandHeight;
+        if (e != nullptr) {
+            uint32_t w = 0, h = 0;
+            EXPECT_EQ(KRYNGetPageResource(&w, &h, e), KRYN_OK);
+            EXPECT_EQ(w, static_cast<uint32_t>(g.width) + 1);
+            EXPECT_EQ(h, static_cast<uint32_t>(g.height) + 1);
+            ASSERT_EQ(KRYNNewPage(3, e), KRYN_OK);
+            EXPECT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK);
+            EXPECT_EQ(KRYNRectPath(-5, -5, 64, 64, e), KRYN_OK);
+            EXPECT_EQ(KRYNFill(FILL_NONZERO, e), KRYN_OK);
+            RasterCount count;
+            EXPECT_EQ(KRYNClosePage(&RasterCount::callback, count.context(), e), KRYN_OK);
+            EXPECT_GT(count.rasters, 0);
+            EXPECT_EQ(KRYNEnd(e), KRYN_OK);
+        }
+        EXPECT_EQ(KRYNPlatformLiveBlocks(), live);
+    }
+}
+
+TEST(HostileInput, ScaleFactorsWithoutAFiniteInverseAreRefused) {
+    Engine* e = KRYNInit(99, 99, 16, 600, 0x8009);
+    ASSERT_EQ(KRYNNewPage(3, e), KRYN_OK);
+    const int32_t big[6] = {INT32_MAX, 0, 0, INT32_MAX, 0, 0};
+    ASSERT_EQ(KRYNSetMatrix(big, e), KRYN_OK);
+    for (float s :
+         {0.0f, std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(),
+          std::numeric_limits<float>::quiet_NaN(), 1e30f}) {
+        EXPECT_EQ(KRYNSetScale(s, e), KRYN_ERR_INVALID) << s;
+    }
+    EXPECT_EQ(KRYNSetScale(1e-9f, e), KRYN_OK);
+    EXPECT_EQ(KRYNClosePage(nullptr, 0, e), KRYN_OK);
+    KRYNEnd(e);
+}
+
+TEST(HostileInput, BandGroupsMovedFarPastThePageAdmitNothing) {
+    // Tall bands and groups moved by up to 32767 bands at a time: the group's
+    // rows leave the page (and wrap in 16 bits); its clip must stay on the page.
+    for (uint32_t step : {0u, 1u, 32767u, 65535u, 0x80000000u}) {
+        const uint64_t live = KRYNPlatformLiveBlocks();
+        Engine* e = KRYNInit(199, 52, 9055, 300, 0x8009);
+        ASSERT_NE(e, nullptr);
+        ASSERT_EQ(KRYNNewPage(1, e), KRYN_OK);
+        ASSERT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK);
+        RasterCount sink;
+        for (int i = 0; i < 6; ++i) {
+            EXPECT_EQ(KRYNNextBand(step, &RasterCount::callback, sink.context(), e), KRYN_OK);
+            EXPECT_EQ(KRYNClearClip(e), KRYN_OK);
+            EXPECT_EQ(KRYNRectPath(0, 0, 150, 40, e), KRYN_OK);
+            EXPECT_TRUE(documented(KRYNFill(FILL_NONZERO, e))) << step;
+        }
+        EXPECT_EQ(KRYNClosePage(&RasterCount::callback, sink.context(), e), KRYN_OK);
+        expectEnginePaints(e, "after groups of " + std::to_string(step));
+        KRYNEnd(e);
+        EXPECT_EQ(KRYNPlatformLiveBlocks(), live);
+    }
+}

@@ -1,0 +1,205 @@
+#include "support/job_sweep.h"
+
+#include "job_player.h"
+#include "kryn/kryn.h"
+#include "kryn/platform.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <sstream>
+#include <utility>
+#include <vector>
+
+namespace kryn::test {
+
+namespace {
+
+using CallKey = std::pair<int, std::string>; // script line, operation name
+
+// One played run: the trace's call results and the engine allocations made
+// by the end of every line.
+struct PlayedRun {
+    script::PlayResult result;
+    std::map<CallKey, std::string> answers;
+    std::vector<std::pair<int, uint64_t>> allocationsAfterLine;
+};
+
+// Call lines of a trace ("12 Fill 0x0000", "1 Init ok"); deliveries are skipped.
+std::map<CallKey, std::string> traceAnswers(const std::string& trace) {
+    std::map<CallKey, std::string> answers;
+    std::istringstream in(trace);
+    std::string text;
+    while (std::getline(in, text)) {
+        std::istringstream words(text);
+        std::string line, name, answer;
+        if (!(words >> line >> name >> answer) || line == "cb") {
+            continue;
+        }
+        answers[{std::stoi(line), name}] = answer;
+    }
+    return answers;
+}
+
+PlayedRun play(const std::string& path, std::function<bool(int, Engine*)> afterLine) {
+    std::ostringstream trace;
+    script::PlayerOptions options;
+    options.trace = &trace;
+    options.afterLine = std::move(afterLine);
+    const size_t slash = path.find_last_of('/');
+    const std::string base = slash == std::string::npos ? "." : path.substr(0, slash);
+    std::ifstream in(path);
+    EXPECT_TRUE(in.good()) << "cannot read " << path;
+    PlayedRun run;
+    {
+        script::JobPlayer player(path, base, options);
+        run.result = player.run(in);
+    }
+    run.answers = traceAnswers(trace.str());
+    return run;
+}
+
+struct FollowUpLog {
+    int rasters = 0;
+    static uint32_t callback(uint32_t code, uint32_t, const void*, uint32_t, uintptr_t context,
+                             const RasterRect*) {
+        if (code == CB_RASTER_BOX || (code >= CB_RASTER_STANDARD && code <= CB_RASTER_DIRECT)) {
+            ++reinterpret_cast<FollowUpLog*>(context)->rasters;
+        }
+        return 0;
+    }
+};
+
+// With memory back: the page the script left open closes, and a new page
+// takes a fill and delivers it.
+void followUp(Engine* e) {
+    FollowUpLog log;
+    const auto context = reinterpret_cast<uintptr_t>(&log);
+    uint16_t info[6];
+    if (KRYNGetPageInfo(info, e) == KRYN_OK) {
+        EXPECT_EQ(KRYNClosePage(&FollowUpLog::callback, context, e), KRYN_OK);
+    }
+    uint32_t width = 0, height = 0;
+    ASSERT_EQ(KRYNGetPageResource(&width, &height, e), KRYN_OK);
+    ASSERT_EQ(KRYNNewPage(3, e), KRYN_OK);
+    const int32_t identity[6] = {1, 0, 0, 1, 0, 0};
+    const ColourValue black = 0;
+    EXPECT_EQ(KRYNSetMatrix(identity, e), KRYN_OK);
+    EXPECT_EQ(KRYNSetColor(&black, 0, e), KRYN_OK);
+    EXPECT_EQ(KRYNSetLogicalFunc(0xF0, e), KRYN_OK);
+    const auto side = [](uint32_t n) { return static_cast<int32_t>(std::min<uint32_t>(n, 8)); };
+    EXPECT_EQ(KRYNRectPath(0, 0, side(width), side(height), e), KRYN_OK);
+    EXPECT_EQ(KRYNFill(FILL_NONZERO, e), KRYN_OK);
+    log.rasters = 0;
+    EXPECT_EQ(KRYNClosePage(&FollowUpLog::callback, context, e), KRYN_OK);
+    EXPECT_GT(log.rasters, 0) << "the follow-up fill was not delivered";
+}
+
+std::vector<uint64_t> sampledFailures(uint64_t allocations, uint64_t maxRuns) {
+    std::vector<uint64_t> samples;
+    if (allocations <= maxRuns) {
+        for (uint64_t n = 0; n < allocations; ++n) {
+            samples.push_back(n);
+        }
+    } else {
+        for (uint64_t i = 0; i < maxRuns; ++i) {
+            samples.push_back(i * allocations / maxRuns);
+        }
+    }
+    return samples;
+}
+
+bool acceptable(const CallKey& key, const std::string& answer, int failingLine,
+                const std::map<CallKey, std::string>& clean) {
+    if (answer == "0x0000" || answer == "0xFF01" || answer == "ok") {
+        return true;
+    }
+    if (answer == "null" && key.first == failingLine) {
+        return true; // the Init whose engine could not be made
+    }
+    auto it = clean.find(key);
+    return it != clean.end() && it->second == answer;
+}
+
+bool documentedAnswer(const std::string& answer) {
+    for (const char* known : {"ok", "null", "0x0000", "0xFF01", "0xFF02", "0xFF03", "0xFF05"}) {
+        if (answer == known) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+JobSweepReport sweepJobScript(const std::string& path, uint64_t maxRuns) {
+    JobSweepReport report;
+    const uint64_t liveBefore = KRYNPlatformLiveBlocks();
+    const uint64_t countBefore = KRYNPlatformAllocCount();
+    std::vector<std::pair<int, uint64_t>> afterLine;
+    PlayedRun clean = play(path, [&](int line, Engine*) {
+        afterLine.emplace_back(line, KRYNPlatformAllocCount() - countBefore);
+        return true;
+    });
+    report.allocations = KRYNPlatformAllocCount() - countBefore;
+    EXPECT_NE(clean.result.status, 1) << clean.result.message;
+    EXPECT_EQ(KRYNPlatformLiveBlocks(), liveBefore) << path << ": clean run leaked";
+
+    for (uint64_t n : sampledFailures(report.allocations, maxRuns)) {
+        // The line in which allocation n is made; the play stops after it.
+        int failingLine = INT_MAX;
+        for (const auto& [line, made] : afterLine) {
+            if (made > n) {
+                failingLine = line;
+                break;
+            }
+        }
+        bool followedUp = false;
+        KRYNPlatformFailAfter(static_cast<int64_t>(n));
+        PlayedRun run = play(path, [&](int line, Engine* engine) {
+            if (line < failingLine) {
+                return true;
+            }
+            KRYNPlatformFailAfter(-1);
+            if (engine != nullptr) {
+                followUp(engine);
+                followedUp = true;
+            }
+            return false;
+        });
+        KRYNPlatformFailAfter(-1);
+        ++report.failedRuns;
+        report.followUps += followedUp ? 1 : 0;
+        EXPECT_NE(run.result.status, 1) << run.result.message;
+        for (const auto& [key, answer] : run.answers) {
+            EXPECT_TRUE(acceptable(key, answer, failingLine, clean.answers))
+                << "line " << key.first << ' ' << key.second << " answered " << answer;
+        }
+        EXPECT_EQ(KRYNPlatformLiveBlocks(), liveBefore) << "leak";
+
+        // The whole script again with every allocation after the first n
+        // failing to its end: later calls may also find no page or no
+        // current point, but every answer is a documented one.
+        KRYNPlatformFailAfter(static_cast<int64_t>(n));
+        PlayedRun starved = play(path, nullptr);
+        KRYNPlatformFailAfter(-1);
+        EXPECT_NE(starved.result.status, 1) << starved.result.message;
+        for (const auto& [key, answer] : starved.answers) {
+            EXPECT_TRUE(documentedAnswer(answer))
+                << "starved: line " << key.first << ' ' << key.second << " answered " << answer;
+        }
+        EXPECT_EQ(KRYNPlatformLiveBlocks(), liveBefore) << "leak in the starved run";
+        if (::testing::Test::HasFailure()) {
+            ADD_FAILURE() << path << ": first failure with allocation " << n << " failing (line "
+                          << failingLine << ")";
+            break;
+        }
+    }
+    return report;
+}
+
+} // namespace kryn::test
