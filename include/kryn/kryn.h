@@ -201,8 +201,7 @@ KRYN_EXPORT ResultCode KRYNBowPath(int32_t left, int32_t top, int32_t right, int
 KRYN_EXPORT ResultCode KRYNEllipsePath(int32_t left, int32_t top, int32_t right, int32_t bottom,
                                        Engine* e);
 /* KRYN_ERR_INVALID for a zero width or height. */
-KRYN_EXPORT ResultCode KRYNRectPath(int32_t x, int32_t y, int32_t width, int32_t height,
-                                    Engine* e);
+KRYN_EXPORT ResultCode KRYNRectPath(int32_t x, int32_t y, int32_t width, int32_t height, Engine* e);
 /* KRYN_ERR_INVALID unless 1 <= ex <= |width|/2 and 1 <= ey <= |height|/2. */
 KRYN_EXPORT ResultCode KRYNRoundRectPath(int32_t x, int32_t y, int32_t width, int32_t height,
                                          int32_t ex, int32_t ey, Engine* e);
