@@ -38,18 +38,30 @@ ResultCode paintableList(PageRecord* page, int32_t index, DisplayList** list) {
     return getBandList(page, index, list);
 }
 
-ResultCode writeBuffer(PageRecord* page, BandEntry& band, uint8_t*& buffer, BufferWriter write) {
-    if (buffer == nullptr) {
+// Writes the band buffer's entries as one record. The record takes an
+// exact-size copy, so that a page of many small fills does not keep a full
+// buffer per record; the band keeps its buffer, emptied, for the next fill.
+ResultCode writeBuffer(PageRecord* page, BandEntry& band, uint8_t* buffer, uint32_t entryBytes,
+                       BufferWriter write) {
+    const uint16_t count = buffer == nullptr ? 0 : entryCount(buffer);
+    if (count == 0) {
         return KRYN_OK;
     }
-    ResultCode r = syncBandForSpans(page, &band, band.list);
+    const size_t bytes = RUN_BUFFER_HEADER + size_t{count} * entryBytes;
+    auto* owned = static_cast<uint8_t*>(allocBytes(bytes));
+    ResultCode r = KRYN_ERR_NO_MEMORY;
+    if (owned != nullptr) {
+        std::memcpy(owned, buffer, bytes);
+        r = syncBandForSpans(page, &band, band.list);
+    }
     if (!failed(r)) {
-        r = write(band.list, buffer, entryCount(buffer), page->resources);
+        r = write(band.list, owned, count, page->resources);
     }
     if (failed(r)) {
-        freeBytes(buffer);
+        freeBytes(owned); // the entries are dropped with it
     }
-    buffer = nullptr; // written: the record owns it; failed: dropped
+    buffer[1] = SHORT_RUN_FORM;
+    storeU16(buffer + 2, 0);
     return r;
 }
 
@@ -64,16 +76,19 @@ uint8_t* nextEntry(PageRecord* page, int32_t index, uint8_t*& buffer, uint32_t e
         buffer[0] = 0;
         buffer[1] = SHORT_RUN_FORM;
         storeU16(buffer + 2, 0);
+    }
+    if (entryCount(buffer) == 0) {
         page->pendingRuns.include(index);
     }
     return buffer + RUN_BUFFER_HEADER + entryCount(buffer) * entryBytes;
 }
 
 // Counts the entry just filled; a full buffer is written at once.
-ResultCode commitEntry(PageRecord* page, BandEntry& band, uint8_t*& buffer, BufferWriter write) {
+ResultCode commitEntry(PageRecord* page, BandEntry& band, uint8_t* buffer, uint32_t entryBytes,
+                       BufferWriter write) {
     const auto count = static_cast<uint16_t>(entryCount(buffer) + 1);
     storeU16(buffer + 2, count);
-    return count == BUFFER_ENTRIES ? writeBuffer(page, band, buffer, write) : KRYN_OK;
+    return count == BUFFER_ENTRIES ? writeBuffer(page, band, buffer, entryBytes, write) : KRYN_OK;
 }
 
 struct BandRow {
@@ -107,7 +122,7 @@ ResultCode recordRun(void* context, int32_t x0, int32_t x1, int32_t y) {
     if (width > 255) {
         band.runBuffer[1] = 0;
     }
-    return commitEntry(page, band, band.runBuffer, writeRuns);
+    return commitEntry(page, band, band.runBuffer, RUN_ENTRY_BYTES, writeRuns);
 }
 
 // Adds rows top..bottom of columns left..right to the band's rectangle
@@ -133,7 +148,7 @@ ResultCode addRectEntry(PageRecord* page, int32_t index, int32_t left, int32_t r
     storeU16(entry + 2, static_cast<uint16_t>(right));
     entry[4] = static_cast<uint8_t>(top);
     entry[5] = static_cast<uint8_t>(bottom);
-    return commitEntry(page, band, band.rectBuffer, writeRects);
+    return commitEntry(page, band, band.rectBuffer, RECT_ENTRY_BYTES, writeRects);
 }
 
 ResultCode recordRectSpan(void* context, int32_t x0, int32_t x1, int32_t y) {
@@ -156,7 +171,7 @@ ResultCode addColumnRun(PageRecord* page, int32_t index, int32_t x, int32_t row,
     entry[0] = static_cast<uint8_t>(row);
     entry[1] = static_cast<uint8_t>(rows);
     storeU16(entry + 2, static_cast<uint16_t>(x));
-    return commitEntry(page, band, band.columnRunBuffer, writeColumnRuns);
+    return commitEntry(page, band, band.columnRunBuffer, COLUMN_ENTRY_BYTES, writeColumnRuns);
 }
 
 // Rows first..last of one band, as records of at most MAX_RECORD_ROWS rows.
@@ -252,9 +267,10 @@ ResultCode flushPendingRuns(PageRecord* page) {
     ResultCode result = KRYN_OK;
     for (int32_t i = page->pendingRuns.first; i <= page->pendingRuns.last; ++i) {
         BandEntry& band = page->bands[i];
-        for (ResultCode r : {writeBuffer(page, band, band.runBuffer, writeRuns),
-                             writeBuffer(page, band, band.columnRunBuffer, writeColumnRuns),
-                             writeBuffer(page, band, band.rectBuffer, writeRects)}) {
+        for (ResultCode r :
+             {writeBuffer(page, band, band.runBuffer, RUN_ENTRY_BYTES, writeRuns),
+              writeBuffer(page, band, band.columnRunBuffer, COLUMN_ENTRY_BYTES, writeColumnRuns),
+              writeBuffer(page, band, band.rectBuffer, RECT_ENTRY_BYTES, writeRects)}) {
             result = failed(result) ? result : r;
         }
     }
