@@ -1,6 +1,7 @@
 #include "render/mark_runs.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace kryn {
 
@@ -25,26 +26,59 @@ void closeRun(uint32_t* row, int32_t head, int32_t length) {
     }
 }
 
+// The first column from x on (up to end) that is not white. Two pixels are
+// tested at a time, since most of a band is paper.
+int32_t skipWhite(const uint32_t* row, int32_t x, int32_t end) {
+    constexpr uint64_t WHITE_PAIR = (uint64_t{WHITE} << 32) | WHITE;
+    for (; x < end; x += 2) {
+        uint64_t pair;
+        std::memcpy(&pair, row + x, sizeof pair);
+        if ((pair & WHITE_PAIR) != WHITE_PAIR) {
+            break;
+        }
+    }
+    while (x <= end && isWhite(row[x])) {
+        ++x;
+    }
+    return x;
+}
+
+// The first column from x on (up to end) whose pixel differs from v.
+int32_t skipEqual(const uint32_t* row, int32_t x, int32_t end, uint32_t v) {
+    const uint64_t same = (uint64_t{v} << 32) | v;
+    for (; x < end; x += 2) {
+        uint64_t pair;
+        std::memcpy(&pair, row + x, sizeof pair);
+        if (pair != same) {
+            break;
+        }
+    }
+    while (x <= end && row[x] == v) {
+        ++x;
+    }
+    return x;
+}
+
 // One row of the box; answers whether it holds a non-white pixel.
 bool markRow(uint32_t* row, int32_t width, int32_t minX, int32_t maxX) {
+    int32_t x = skipWhite(row, minX, maxX);
+    const bool inked = x <= maxX;
     int32_t head = 0;
-    int32_t length = minX;
-    bool inked = false;
-    for (int32_t x = minX; x <= maxX; ++x) {
-        const uint32_t pixel = row[x];
-        if (!inked) {
-            if (isWhite(pixel)) {
-                ++length;
-                continue;
+    int32_t length = x; // the white columns before the ink join the run at 0
+    if (inked) {
+        uint32_t v = row[head];
+        for (;;) {
+            const int32_t next = skipEqual(row, x, maxX, v);
+            length += next - x;
+            x = next;
+            if (x > maxX) {
+                break;
             }
-            inked = true;
-        }
-        if (pixel == row[head]) {
-            ++length;
-        } else {
             closeRun(row, head, length);
             head = x;
+            v = row[x];
             length = 1;
+            ++x;
         }
     }
     const int32_t rest = width - maxX - 1;

@@ -73,10 +73,54 @@ TEST(MarkRuns, NothingToDeliverWithoutInk) {
     EXPECT_FALSE(markRuns(raster.data(), 8, 4, DirtyBox{7, 0, 3, 0})); // an empty box
 }
 
-TEST(MarkRuns, ReceiversReadBackEveryColour) {
+// The marks of one row written pixel by pixel, the plainest way: the
+// engine's row scan must leave exactly these.
+void referenceMarkRow(uint32_t* row, int32_t width, int32_t minX, int32_t maxX) {
+    auto close = [&](int32_t head, int32_t length) {
+        if (length > 3) {
+            row[head] |= RUN_TAG_LONG << 24;
+            row[head + 1] = uint32_t(length);
+        } else {
+            row[head] |= uint32_t(length) * 2u << 24;
+        }
+    };
+    auto white = [](uint32_t p) { return (p & 0xFFFFFF) == 0xFFFFFF; };
+    int32_t head = 0;
+    int32_t length = minX;
+    bool inked = false;
+    for (int32_t x = minX; x <= maxX; ++x) {
+        if (!inked && white(row[x])) {
+            ++length;
+            continue;
+        }
+        inked = true;
+        if (row[x] == row[head]) {
+            ++length;
+        } else {
+            close(head, length);
+            head = x;
+            length = 1;
+        }
+    }
+    const int32_t rest = width - maxX - 1;
+    if (rest >= 2 && !white(row[head])) {
+        close(head, length);
+        head = maxX + 1;
+        length = rest;
+    } else if (rest >= 2) {
+        length += rest;
+    }
+    if (inked) {
+        close(head, length);
+    } else {
+        row[head] |= RUN_TAG_BLANK << 24;
+    }
+}
+
+TEST(MarkRuns, ReceiversReadBackEveryColourAndTheMarksAreExact) {
     std::mt19937 random(7);
     const uint32_t palette[] = {PAPER, PAPER, RED, 0x03123456, 0x0100FF00, 0x03FFFFFF};
-    for (int trial = 0; trial < 300; ++trial) {
+    for (int trial = 0; trial < 2000; ++trial) {
         const int32_t stride = 2 + int32_t(random() % 30);
         const int32_t rows = 1 + int32_t(random() % 6);
         const int32_t minX = int32_t(random() % uint32_t(stride));
@@ -85,16 +129,30 @@ TEST(MarkRuns, ReceiversReadBackEveryColour) {
         const int32_t maxY = minY + int32_t(random() % uint32_t(rows - minY));
         std::vector<uint32_t> raster(size_t(stride) * rows, PAPER);
         for (int32_t y = minY; y <= maxY; ++y) {
-            for (int32_t x = minX; x <= maxX; ++x) {
-                raster[size_t(y) * stride + x] = palette[random() % 6];
+            // Runs of 1..9 equal pixels, so that pairs and long runs occur.
+            for (int32_t x = minX; x <= maxX;) {
+                const uint32_t colour = palette[random() % 6];
+                for (int32_t n = 1 + int32_t(random() % 9); n > 0 && x <= maxX; --n, ++x) {
+                    raster[size_t(y) * stride + x] = colour;
+                }
             }
         }
         std::vector<uint32_t> expected(raster.size());
         for (size_t i = 0; i < raster.size(); ++i) {
             expected[i] = raster[i] & 0xFFFFFF;
         }
+        std::vector<uint32_t> reference = raster;
+        for (int32_t y = 0; y < rows; ++y) {
+            uint32_t* row = reference.data() + size_t(y) * stride;
+            if (y < minY || y > maxY) {
+                row[0] |= RUN_TAG_BLANK << 24;
+            } else {
+                referenceMarkRow(row, stride, minX, maxX);
+            }
+        }
         markRuns(raster.data(), stride, rows, DirtyBox{minX, maxX, minY, maxY});
         ASSERT_EQ(readRuns(raster, stride), expected) << "trial " << trial;
+        ASSERT_EQ(raster, reference) << "trial " << trial;
     }
 }
 
