@@ -10,7 +10,6 @@ namespace kryn {
 
 namespace {
 
-
 ResultCode writeArrayRecord(DisplayList* list, uint8_t op, uint8_t parameter, uint16_t count,
                             void* array, uint32_t serial, RenderResources* resources) {
     uint8_t* r = reserveRecord(list, ARRAY_RECORD_SIZE);

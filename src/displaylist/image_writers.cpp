@@ -9,6 +9,37 @@
 
 namespace kryn {
 
+namespace {
+
+// Reserves an image record of `size` bytes whose data counts `serial`
+// serialised bytes; null with *result set when the count cannot be carried
+// or the list has no room.
+uint8_t* reserveImageRecord(DisplayList* list, uint64_t serial, uint32_t size, ResultCode* result) {
+    if (!fitsSerialCount(list, serial)) {
+        *result = KRYN_ERR_INVALID;
+        return nullptr;
+    }
+    uint8_t* r = reserveRecord(list, size);
+    *result = r == nullptr ? KRYN_ERR_NO_MEMORY : KRYN_OK;
+    return r;
+}
+
+// The fields that image and mask records share.
+void storeImageFields(uint8_t* r, uint8_t op, RecordPosition at, uint16_t width, uint8_t rows,
+                      const ImageSource& source) {
+    r[0] = op;
+    r[1] = at.row;
+    storeU16(r + 2, at.x);
+    storeU16(r + 4, width);
+    storeU16(r + 6, static_cast<uint16_t>(source.columns));
+    r[8] = rows;
+    r[9] = static_cast<uint8_t>(source.rows);
+    storeU16(r + 12, static_cast<uint16_t>(source.stride));
+    storePointer(r + IMAGE_POINTER_OFFSET, source.data);
+}
+
+} // namespace
+
 ResultCode writeImage(DisplayList* list, uint8_t kind, uint8_t flags, RecordPosition at,
                       uint16_t width, uint8_t rows, const ImageSource& source,
                       RenderResources* resources) {
@@ -16,23 +47,13 @@ ResultCode writeImage(DisplayList* list, uint8_t kind, uint8_t flags, RecordPosi
         return KRYN_ERR_INVALID;
     }
     const uint64_t serial = 8 + roundUp4(imageDataBytes(kind, width, rows));
-    if (!fitsSerialCount(list, serial)) {
-        return KRYN_ERR_INVALID;
-    }
-    uint8_t* r = reserveRecord(list, IMAGE_RECORD_SIZE);
+    ResultCode result = KRYN_OK;
+    uint8_t* r = reserveImageRecord(list, serial, IMAGE_RECORD_SIZE, &result);
     if (r == nullptr) {
-        return KRYN_ERR_NO_MEMORY;
+        return result;
     }
-    r[0] = DL_OP_IMAGE;
-    r[1] = at.row;
-    storeU16(r + 2, at.x);
-    storeU16(r + 4, width);
-    storeU16(r + 6, static_cast<uint16_t>(source.columns));
-    r[8] = rows;
-    r[9] = static_cast<uint8_t>(source.rows);
+    storeImageFields(r, DL_OP_IMAGE, at, width, rows, source);
     r[10] = static_cast<uint8_t>((kind & 0xF0) | (flags & 0x0F));
-    storeU16(r + 12, static_cast<uint16_t>(source.stride));
-    storePointer(r + IMAGE_POINTER_OFFSET, source.data);
     return finishRecord(list, static_cast<uint32_t>(serial), true, resources);
 }
 
@@ -45,12 +66,10 @@ ResultCode writeScaledImage(DisplayList* list, uint8_t kind, uint8_t flags, Reco
     const uint32_t sampleBytes = resources->colourSpace == 1 ? 1u : 4u;
     const uint64_t serial =
         16 + roundUp4(scaledImageDataBytes(source.columns, source.rows, sampleBytes));
-    if (!fitsSerialCount(list, serial)) {
-        return KRYN_ERR_INVALID;
-    }
-    uint8_t* r = reserveRecord(list, SCALED_IMAGE_RECORD_SIZE);
+    ResultCode result = KRYN_OK;
+    uint8_t* r = reserveImageRecord(list, serial, SCALED_IMAGE_RECORD_SIZE, &result);
     if (r == nullptr) {
-        return KRYN_ERR_NO_MEMORY;
+        return result;
     }
     r[0] = DL_OP_SCALED_IMAGE;
     r[1] = at.row;
@@ -76,22 +95,12 @@ ResultCode writeMaskImage(DisplayList* list, uint8_t compressed, RecordPosition 
         return KRYN_ERR_INVALID; // masks are always stored uncompressed
     }
     const uint64_t serial = 8 + roundUp4(bitmapBytes(width, rows));
-    if (!fitsSerialCount(list, serial)) {
-        return KRYN_ERR_INVALID;
-    }
-    uint8_t* r = reserveRecord(list, IMAGE_RECORD_SIZE);
+    ResultCode result = KRYN_OK;
+    uint8_t* r = reserveImageRecord(list, serial, IMAGE_RECORD_SIZE, &result);
     if (r == nullptr) {
-        return KRYN_ERR_NO_MEMORY;
+        return result;
     }
-    r[0] = DL_OP_MASK_IMAGE;
-    r[1] = at.row;
-    storeU16(r + 2, at.x);
-    storeU16(r + 4, width);
-    storeU16(r + 6, static_cast<uint16_t>(source.columns));
-    r[8] = rows;
-    r[9] = static_cast<uint8_t>(source.rows);
-    storeU16(r + 12, static_cast<uint16_t>(source.stride));
-    storePointer(r + IMAGE_POINTER_OFFSET, source.data);
+    storeImageFields(r, DL_OP_MASK_IMAGE, at, width, rows, source);
     return finishRecord(list, static_cast<uint32_t>(serial), true, resources);
 }
 

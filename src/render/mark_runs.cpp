@@ -26,34 +26,20 @@ void closeRun(uint32_t* row, int32_t head, int32_t length) {
     }
 }
 
-// The first column from x on (up to end) that is not white. Two pixels are
-// tested at a time, since most of a band is paper.
-int32_t skipWhite(const uint32_t* row, int32_t x, int32_t end) {
-    constexpr uint64_t WHITE_PAIR = (uint64_t{WHITE} << 32) | WHITE;
+// The first column from x on (up to end) whose pixel, masked, differs from
+// v. Two pixels are tested at a time, since most of a band is paper or long
+// runs.
+int32_t skipMatching(const uint32_t* row, int32_t x, int32_t end, uint32_t v, uint32_t mask) {
+    const uint64_t pairMask = (uint64_t{mask} << 32) | mask;
+    const uint64_t pairValue = (uint64_t{v} << 32) | v;
     for (; x < end; x += 2) {
         uint64_t pair;
         std::memcpy(&pair, row + x, sizeof pair);
-        if ((pair & WHITE_PAIR) != WHITE_PAIR) {
+        if ((pair & pairMask) != pairValue) {
             break;
         }
     }
-    while (x <= end && isWhite(row[x])) {
-        ++x;
-    }
-    return x;
-}
-
-// The first column from x on (up to end) whose pixel differs from v.
-int32_t skipEqual(const uint32_t* row, int32_t x, int32_t end, uint32_t v) {
-    const uint64_t same = (uint64_t{v} << 32) | v;
-    for (; x < end; x += 2) {
-        uint64_t pair;
-        std::memcpy(&pair, row + x, sizeof pair);
-        if (pair != same) {
-            break;
-        }
-    }
-    while (x <= end && row[x] == v) {
+    while (x <= end && (row[x] & mask) == v) {
         ++x;
     }
     return x;
@@ -61,14 +47,14 @@ int32_t skipEqual(const uint32_t* row, int32_t x, int32_t end, uint32_t v) {
 
 // One row of the box; answers whether it holds a non-white pixel.
 bool markRow(uint32_t* row, int32_t width, int32_t minX, int32_t maxX) {
-    int32_t x = skipWhite(row, minX, maxX);
+    int32_t x = skipMatching(row, minX, maxX, WHITE, WHITE);
     const bool inked = x <= maxX;
     int32_t head = 0;
     int32_t length = x; // the white columns before the ink join the run at 0
     if (inked) {
         uint32_t v = row[head];
         for (;;) {
-            const int32_t next = skipEqual(row, x, maxX, v);
+            const int32_t next = skipMatching(row, x, maxX, v, 0xFFFFFFFFu);
             length += next - x;
             x = next;
             if (x > maxX) {

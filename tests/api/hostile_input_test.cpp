@@ -66,7 +66,7 @@ const std::vector<double> HOSTILE_REALS = {0.0,
 
 // A frame whose every argument is an ordinary value: scalars 1 (reals 1.0),
 // arrays of 10s long enough for what the call reads, one-value pointers 0.
-CallFrame ordinaryFrame(const OperationSpec& op) {
+CallFrame ordinaryFrame(const OperationEntry& op) {
     CallFrame f;
     f.args.resize(op.params.size());
     for (size_t i = 0; i < op.params.size(); ++i) {
@@ -78,9 +78,9 @@ CallFrame ordinaryFrame(const OperationSpec& op) {
 
 // Sizes every array to what the call will read, filled with `value`;
 // one-value pointers point at `value` too.
-void fillArrays(const OperationSpec& op, CallFrame& f, int64_t value) {
+void fillArrays(const OperationEntry& op, CallFrame& f, int64_t value) {
     for (size_t i = 0; i < op.params.size(); ++i) {
-        const ParamSpec& p = op.params[i];
+        const Parameter& p = op.params[i];
         BoundArg& a = f.args[i];
         size_t n = static_cast<size_t>(p.length.fixed);
         if (p.length.countArg >= 0) {
@@ -101,7 +101,7 @@ struct Case {
 };
 
 // Each argument of op in turn made hostile while the others stay ordinary.
-std::vector<Case> hostileCases(const OperationSpec& op) {
+std::vector<Case> hostileCases(const OperationEntry& op) {
     std::vector<Case> cases;
     for (size_t p = 0; p < op.params.size(); ++p) {
         const ParamType t = op.params[p].type;
@@ -176,7 +176,7 @@ void expectEnginePaints(Engine* e, const std::string& after) {
 // Plays one hostile call on a fresh engine with a page of `mode` open and a
 // current point, paints whatever path it left, sends the page out, and checks
 // that nothing leaked and the engine still works.
-void attack(const OperationSpec& op, Case& c, int16_t mode) {
+void attack(const OperationEntry& op, Case& c, int16_t mode) {
     const uint64_t live = KRYNPlatformLiveBlocks();
     const std::string what = c.what + " in mode " + std::to_string(mode);
     Engine* e = KRYNInit(199, 149, 32, 600, 0x8009);
@@ -213,7 +213,7 @@ void attack(const OperationSpec& op, Case& c, int16_t mode) {
 } // namespace
 
 TEST(HostileInput, EveryOperationRefusesANullEngine) {
-    for (const OperationSpec* op = operationsBegin(); op != operationsEnd(); ++op) {
+    for (const OperationEntry* op = operationsBegin(); op != operationsEnd(); ++op) {
         CallFrame f = ordinaryFrame(*op);
         fillArrays(*op, f, 10);
         EXPECT_EQ(op->invoke(nullptr, f), KRYN_ERR_INVALID) << op->name;
@@ -221,7 +221,7 @@ TEST(HostileInput, EveryOperationRefusesANullEngine) {
 }
 
 TEST(HostileInput, PageOperationsWithoutAnOpenPageAnswerInvalid) {
-    for (const OperationSpec* op = operationsBegin(); op != operationsEnd(); ++op) {
+    for (const OperationEntry* op = operationsBegin(); op != operationsEnd(); ++op) {
         if (needsNoPage(op->name)) {
             continue;
         }
@@ -244,7 +244,7 @@ TEST(HostileInput, PageOperationsWithoutAnOpenPageAnswerInvalid) {
 
 TEST(HostileInput, EveryArgumentOfEveryOperationAtItsExtremes) {
     int attacks = 0;
-    for (const OperationSpec* op = operationsBegin(); op != operationsEnd(); ++op) {
+    for (const OperationEntry* op = operationsBegin(); op != operationsEnd(); ++op) {
         for (Case& c : hostileCases(*op)) {
             for (int16_t mode : {3, 2, 0}) {
                 Case copy = c;

@@ -12,12 +12,12 @@ using namespace kryn::script;
 
 namespace {
 
-CallFrame bind(const OperationSpec& op, const std::string& text) {
+CallFrame bind(const OperationEntry& op, const std::string& text) {
     auto line = parseLine(text, 1);
     return bindArguments(op, *line);
 }
 
-const OperationSpec SCALARS{"S",
+const OperationEntry SCALARS{"S",
                             {{ParamType::I16},
                              {ParamType::U16},
                              {ParamType::I32},
@@ -28,7 +28,7 @@ const OperationSpec SCALARS{"S",
                             nullptr};
 
 // LinesTo-like: an array of count (x, y) pairs, then the count.
-const OperationSpec PAIRS{"P", {{ParamType::ArrayI32, {0, 1, 2}}, {ParamType::I16}}, nullptr};
+const OperationEntry PAIRS{"P", {{ParamType::ArrayI32, {0, 1, 2}}, {ParamType::I16}}, nullptr};
 
 } // namespace
 
@@ -78,7 +78,7 @@ TEST(ArgumentBinding, ShortArraysArePaddedToWhatTheCallReads) {
 }
 
 TEST(ArgumentBinding, OutputsAreOmittedOrWrittenAsNull) {
-    const OperationSpec op{"O", {{ParamType::Output}, {ParamType::Output}}, nullptr};
+    const OperationEntry op{"O", {{ParamType::Output}, {ParamType::Output}}, nullptr};
     EXPECT_FALSE(bind(op, "O").args[0].isNull);
     CallFrame f = bind(op, "O null null");
     EXPECT_TRUE(f.args[0].isNull && f.args[1].isNull);
@@ -87,8 +87,8 @@ TEST(ArgumentBinding, OutputsAreOmittedOrWrittenAsNull) {
 }
 
 TEST(ArgumentBinding, ImageSamplesComeFromTheHeapAndKeptOnesAreFreed) {
-    const OperationSpec kept{"I", {{ParamType::Image}}, nullptr};
-    const OperationSpec passed{
+    const OperationEntry kept{"I", {{ParamType::Image}}, nullptr};
+    const OperationEntry passed{
         "I", {{ParamType::Image, {}, ImageOwnership::PassesToEngine}}, nullptr};
     uint64_t live = KRYNPlatformLiveBlocks();
     CallFrame f = bind(kept, "I {2 3 4 8 hex:0102}");

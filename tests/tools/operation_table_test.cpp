@@ -25,7 +25,7 @@ std::string publicHeader() {
 } // namespace
 
 TEST(OperationTable, IsSortedForTheLookup) {
-    for (const OperationSpec* op = operationsBegin(); op + 1 < operationsEnd(); ++op) {
+    for (const OperationEntry* op = operationsBegin(); op + 1 < operationsEnd(); ++op) {
         EXPECT_LT(op->name, (op + 1)->name);
         EXPECT_EQ(findOperation(op->name), op);
     }
@@ -41,7 +41,7 @@ TEST(OperationTable, CoversEveryExportedOperationWithItsParameterCount) {
     for (std::sregex_iterator it(header.begin(), header.end(), prototype), end; it != end; ++it) {
         const std::string name = (*it)[1];
         const std::string params = (*it)[2];
-        const OperationSpec* op = findOperation(name);
+        const OperationEntry* op = findOperation(name);
         ASSERT_NE(op, nullptr) << name << " is exported but the player cannot call it";
         // Parameters: commas + 1, minus the engine, minus the callback and
         // context the player supplies itself.

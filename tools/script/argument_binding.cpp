@@ -168,8 +168,8 @@ void bindScreen(BoundArg& arg, const Value& v) {
     arg.bytes = field(v, 4).bytes;
 }
 
-void bindOne(BoundArg& arg, const ParamSpec& spec, const Value& v) {
-    switch (spec.type) {
+void bindOne(BoundArg& arg, const Parameter& param, const Value& v) {
+    switch (param.type) {
     case ParamType::F32:
         arg.real = toFloat(v);
         break;
@@ -177,13 +177,13 @@ void bindOne(BoundArg& arg, const ParamSpec& spec, const Value& v) {
     case ParamType::ArrayI16:
     case ParamType::ArrayU16:
     case ParamType::ArrayU32:
-        bindArray(arg, v, spec.type);
+        bindArray(arg, v, param.type);
         break;
     case ParamType::OneU32:
         if (v.kind == Value::Kind::Null) {
             arg.isNull = true;
         } else {
-            arg.u32.push_back(static_cast<uint32_t>(toScalar(v, spec.type)));
+            arg.u32.push_back(static_cast<uint32_t>(toScalar(v, param.type)));
         }
         break;
     case ParamType::Bytes:
@@ -208,17 +208,17 @@ void bindOne(BoundArg& arg, const ParamSpec& spec, const Value& v) {
         arg.isNull = true;
         break;
     default:
-        arg.integer = toScalar(v, spec.type);
+        arg.integer = toScalar(v, param.type);
         break;
     }
 }
 
-int64_t readLength(const ParamSpec& spec, const CallFrame& frame) {
-    if (spec.length.countArg < 0) {
-        return spec.length.fixed;
+int64_t readLength(const Parameter& param, const CallFrame& frame) {
+    if (param.length.countArg < 0) {
+        return param.length.fixed;
     }
-    int64_t count = frame.args[static_cast<size_t>(spec.length.countArg)].integer;
-    return count <= 0 ? 0 : count * spec.length.perCount;
+    int64_t count = frame.args[static_cast<size_t>(param.length.countArg)].integer;
+    return count <= 0 ? 0 : count * param.length.perCount;
 }
 
 int64_t checkedProduct(int64_t a, int64_t b, int64_t limit) {
@@ -244,25 +244,25 @@ void padTo(std::vector<T>& v, int64_t length, int64_t maxBytes) {
 
 // Pads arrays to what the call reads so the engine never reads past the
 // player's memory.
-void padArgument(BoundArg& arg, const ParamSpec& spec, const CallFrame& frame, int64_t maxBytes) {
+void padArgument(BoundArg& arg, const Parameter& param, const CallFrame& frame, int64_t maxBytes) {
     if (arg.isNull) {
         return;
     }
-    switch (spec.type) {
+    switch (param.type) {
     case ParamType::ArrayI32:
-        padTo(arg.i32, readLength(spec, frame), maxBytes);
+        padTo(arg.i32, readLength(param, frame), maxBytes);
         break;
     case ParamType::ArrayI16:
-        padTo(arg.i16, readLength(spec, frame), maxBytes);
+        padTo(arg.i16, readLength(param, frame), maxBytes);
         break;
     case ParamType::ArrayU16:
-        padTo(arg.u16, readLength(spec, frame), maxBytes);
+        padTo(arg.u16, readLength(param, frame), maxBytes);
         break;
     case ParamType::ArrayU32:
-        padTo(arg.u32, readLength(spec, frame), maxBytes);
+        padTo(arg.u32, readLength(param, frame), maxBytes);
         break;
     case ParamType::Bytes:
-        padTo(arg.bytes, readLength(spec, frame), maxBytes);
+        padTo(arg.bytes, readLength(param, frame), maxBytes);
         break;
     case ParamType::Image:
         padTo(arg.bytes,
@@ -280,12 +280,12 @@ void padArgument(BoundArg& arg, const ParamSpec& spec, const CallFrame& frame, i
     }
 }
 
-bool ownershipPasses(const ParamSpec& spec, const CallFrame& frame) {
-    switch (spec.ownership) {
+bool ownershipPasses(const Parameter& param, const CallFrame& frame) {
+    switch (param.ownership) {
     case ImageOwnership::PassesToEngine:
         return true;
     case ImageOwnership::PassesWhenArgIsOne:
-        return frame.args[static_cast<size_t>(spec.ownershipArg)].integer == 1;
+        return frame.args[static_cast<size_t>(param.ownershipArg)].integer == 1;
     default:
         return false;
     }
@@ -304,9 +304,9 @@ void* copySamples(BoundArg& arg) {
     return samples;
 }
 
-size_t writtenInputs(const OperationSpec& op) {
+size_t writtenInputs(const OperationEntry& op) {
     size_t n = 0;
-    for (const ParamSpec& p : op.params) {
+    for (const Parameter& p : op.params) {
         n += p.type == ParamType::Output ? 0 : 1;
     }
     return n;
@@ -314,7 +314,7 @@ size_t writtenInputs(const OperationSpec& op) {
 
 } // namespace
 
-CallFrame bindArguments(const OperationSpec& op, const ScriptLine& line, size_t maxBytes) {
+CallFrame bindArguments(const OperationEntry& op, const ScriptLine& line, size_t maxBytes) {
     const size_t inputs = writtenInputs(op);
     const bool outputsWritten = line.args.size() == op.params.size() && inputs != op.params.size();
     if (line.args.size() != inputs && !outputsWritten) {

@@ -12,7 +12,7 @@ namespace kryn::script {
 // does not fit the operation. Image samples are copied into GlobalAlloc
 // buffers last, so a failing line never leaves a buffer behind.
 // maxBytes bounds the memory one argument may take after padding.
-CallFrame bindArguments(const OperationSpec& op, const ScriptLine& line,
+CallFrame bindArguments(const OperationEntry& op, const ScriptLine& line,
                         size_t maxBytes = size_t{1} << 30);
 
 // Frees the image buffers a call left with the caller.

@@ -15,11 +15,11 @@ namespace kryn::script {
 
 namespace {
 
-const OperationSpec INIT_SPEC{
+const OperationEntry INIT_ENTRY{
     "Init",
     {{ParamType::I32}, {ParamType::I32}, {ParamType::I16}, {ParamType::U16}, {ParamType::U16}},
     nullptr};
-const OperationSpec RESTART_SPEC{"Restart", {{ParamType::U32}}, nullptr};
+const OperationEntry RESTART_ENTRY{"Restart", {{ParamType::U32}}, nullptr};
 
 std::string resultText(ResultCode r) {
     char text[8];
@@ -154,7 +154,7 @@ void JobPlayer::endEngine(int lineNumber, bool traced) {
 }
 
 void JobPlayer::init(const ScriptLine& line) {
-    CallFrame f = bindArguments(INIT_SPEC, line, options_.maxBytes);
+    CallFrame f = bindArguments(INIT_ENTRY, line, options_.maxBytes);
     if (engine_ != nullptr) {
         endEngine(line.number, true);
     }
@@ -180,11 +180,11 @@ void JobPlayer::playLine(const ScriptLine& line) {
         return;
     }
     if (line.name == "Restart") {
-        CallFrame f = bindArguments(RESTART_SPEC, line, options_.maxBytes);
+        CallFrame f = bindArguments(RESTART_ENTRY, line, options_.maxBytes);
         restartsLeft_ = f.scalar<uint32_t>(0);
         return;
     }
-    const OperationSpec* op = findOperation(line.name);
+    const OperationEntry* op = findOperation(line.name);
     if (op == nullptr) {
         throw ScriptError("unknown operation '" + line.name + "'");
     }

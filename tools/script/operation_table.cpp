@@ -8,25 +8,25 @@ namespace kryn::script {
 namespace {
 
 // Parameter shorthands, so each table row reads like its C prototype.
-const ParamSpec I16{ParamType::I16};
-const ParamSpec U16{ParamType::U16};
-const ParamSpec I32{ParamType::I32};
-const ParamSpec U32{ParamType::U32};
-const ParamSpec F32{ParamType::F32};
-const ParamSpec COLOUR{ParamType::OneU32};
-const ParamSpec OUT{ParamType::Output};
+const Parameter I16{ParamType::I16};
+const Parameter U16{ParamType::U16};
+const Parameter I32{ParamType::I32};
+const Parameter U32{ParamType::U32};
+const Parameter F32{ParamType::F32};
+const Parameter COLOUR{ParamType::OneU32};
+const Parameter OUT{ParamType::Output};
 
-ParamSpec arrayI32(int n) {
+Parameter arrayI32(int n) {
     return {ParamType::ArrayI32, {n}};
 }
-ParamSpec arrayI16(int n) {
+Parameter arrayI16(int n) {
     return {ParamType::ArrayI16, {n}};
 }
 // An array of perCount values for each unit of the count argument countArg.
-ParamSpec countedI32(int countArg, int perCount) {
+Parameter countedI32(int countArg, int perCount) {
     return {ParamType::ArrayI32, {0, countArg, perCount}};
 }
-ParamSpec countedI16(int countArg, int perCount) {
+Parameter countedI16(int countArg, int perCount) {
     return {ParamType::ArrayI16, {0, countArg, perCount}};
 }
 
@@ -67,7 +67,7 @@ ResultCode getPageInfo(Engine* e, CallFrame& f) {
 }
 
 // Sorted by name for the lookup.
-const std::array OPERATIONS = std::to_array<OperationSpec>({
+const std::array OPERATIONS = std::to_array<OperationEntry>({
     {"ArcTo",
      {I32, I32, I32, I32, I32, I32, I32, I32},
      [](Engine* e, CallFrame& f) { return KRYNArcTo(ARGS8(f), e); }},
@@ -179,17 +179,17 @@ const std::array OPERATIONS = std::to_array<OperationSpec>({
 
 } // namespace
 
-const OperationSpec* findOperation(std::string_view name) {
+const OperationEntry* findOperation(std::string_view name) {
     auto it =
         std::lower_bound(OPERATIONS.begin(), OPERATIONS.end(), name,
-                         [](const OperationSpec& op, std::string_view n) { return op.name < n; });
+                         [](const OperationEntry& op, std::string_view n) { return op.name < n; });
     return it != OPERATIONS.end() && it->name == name ? &*it : nullptr;
 }
 
-const OperationSpec* operationsBegin() {
+const OperationEntry* operationsBegin() {
     return OPERATIONS.data();
 }
-const OperationSpec* operationsEnd() {
+const OperationEntry* operationsEnd() {
     return OPERATIONS.data() + OPERATIONS.size();
 }
 

@@ -37,7 +37,7 @@ struct ReadLength {
 
 enum class ImageOwnership { StaysWithCaller, PassesToEngine, PassesWhenArgIsOne };
 
-struct ParamSpec {
+struct Parameter {
     ParamType type;
     ReadLength length = {};
     ImageOwnership ownership = ImageOwnership::StaysWithCaller;
@@ -46,21 +46,21 @@ struct ParamSpec {
 
 using Invoker = ResultCode (*)(Engine* engine, CallFrame& frame);
 
-struct OperationSpec {
+struct OperationEntry {
     std::string_view name;
-    std::vector<ParamSpec> params;
+    std::vector<Parameter> params;
     Invoker invoke;
 };
 
 // The operation of that name, or null when there is none.
-const OperationSpec* findOperation(std::string_view name);
+const OperationEntry* findOperation(std::string_view name);
 
 } // namespace kryn::script
 
 namespace kryn::script {
 
 // The whole table, sorted by name (for tests and listings).
-const OperationSpec* operationsBegin();
-const OperationSpec* operationsEnd();
+const OperationEntry* operationsBegin();
+const OperationEntry* operationsEnd();
 
 } // namespace kryn::script
