@@ -94,6 +94,58 @@ typedef struct ScreenTile { /* a halftone or pattern tile */
 #define FILL_EVEN_ODD 0
 #define FILL_NONZERO 1
 
+/* ---- Names for the numbers the calls take ------------------------------ */
+
+/* Version of this header and of the library built with it. */
+#define KRYN_VERSION_MAJOR 0
+#define KRYN_VERSION_MINOR 1
+#define KRYN_VERSION_PATCH 0
+#define KRYN_VERSION_STRING "0.1.0"
+
+/* Page modes (KRYNNewPage). STREAM modes only serialise band lists, for a
+ * device that plays them itself (KRYNNextBand sends them). The others play
+ * every recorded band on the host at KRYNClosePage and deliver band rasters:
+ * BOX modes (2 to 7) render rows of pageWidth - 1 pixels and deliver colour
+ * bands as CB_RASTER_BOX with the painted box; TYPED modes (8, 9) render
+ * pageWidth pixels and deliver colour bands whole, coded by what painted
+ * them. GROUPS modes move a window of bands down the page with KRYNNextBand;
+ * the others record the whole page and may be set to the reverse side.
+ * Mode 3 keeps one more band entry and ends its page clip one column and one
+ * row short. PLAIN modes play colour bands without the work buffer of
+ * scaled images; the ALT pair behaves as the pair before it. */
+#define KRYN_PAGE_STREAM 0
+#define KRYN_PAGE_STREAM_GROUPS 1
+#define KRYN_PAGE_BOX_GROUPS 2
+#define KRYN_PAGE_BOX_SHORT 3
+#define KRYN_PAGE_BOX_PLAIN_GROUPS 4
+#define KRYN_PAGE_BOX_PLAIN 5
+#define KRYN_PAGE_BOX_PLAIN_GROUPS_ALT 6
+#define KRYN_PAGE_BOX_PLAIN_ALT 7
+#define KRYN_PAGE_TYPED_GROUPS 8
+#define KRYN_PAGE_TYPED 9
+
+/* Device levels (KRYNInit's deviceLevel): each switches its feature on for
+ * every level from it up; below 0x8003 none is on. */
+#define KRYN_LEVEL_BAND_HEADER 0x8003   /* band header chunk; KRYNSelectSpace honoured */
+#define KRYN_LEVEL_WIDE_FIELDS 0x8004   /* 16-bit screen phases, wide download tiles */
+#define KRYN_LEVEL_RECT_SPANS 0x8005    /* fills recorded as rectangle lists */
+#define KRYN_LEVEL_SHORT_SPANS 0x8006   /* band-high bars as column records */
+#define KRYN_LEVEL_TYPED_RASTERS 0x8008 /* mono bands (0x900) and content raster codes */
+#define KRYN_LEVEL_ALPHA_BLEND 0x8009   /* alpha blending; direct scaled images */
+
+/* Colour spaces (KRYNSelectSpace). */
+#define KRYN_SPACE_COLOUR 0 /* 32-bit 0xTTBBGGRR band rasters (the default) */
+#define KRYN_SPACE_GREY 1   /* 8-bit grey band rasters, 0 black, 255 white */
+
+/* Line caps and joins (KRYNSetLineCap, KRYNSetLineJoin). Join 0 is taken
+ * as JOIN_ROUND. */
+#define CAP_FLAT 0
+#define CAP_ROUND 1
+#define CAP_SQUARE 2
+#define JOIN_BEVEL 1
+#define JOIN_MITER 2
+#define JOIN_ROUND 3
+
 /* ---- Engine ------------------------------------------------------------ */
 
 /* Opens an engine for a page of (width + 1) x (height + 1) device pixels cut
