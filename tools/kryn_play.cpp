@@ -10,12 +10,13 @@
 
 namespace {
 
-constexpr int EXIT_PLAYER_FAILED = 1;
-constexpr int EXIT_SCRIPT_ERROR = 2;
-constexpr int EXIT_ENGINE_ERROR = 3; // --strict
+constexpr int EXIT_PLAYER_FAILED = 1; // an output could not be written, out of memory
+constexpr int EXIT_SCRIPT_ERROR = 2;  // bad command line, unreadable or wrong script
+constexpr int EXIT_ENGINE_ERROR = 3;  // --strict: an engine call answered an error
 
 const char USAGE[] =
-    "usage: kryn-play [options] SCRIPT    (SCRIPT - reads standard input)\n"
+    "usage: kryn-play [options] SCRIPT    (- reads the script from standard input,\n"
+    "                                     file: data then from the current directory)\n"
     "Plays a job script, one engine call a line, and writes what the engine delivers.\n"
     "  --trace FILE|-   every call's result and every delivery (- : standard output)\n"
     "  --stream FILE    the bytes of every stream chunk (the device stream)\n"
