@@ -11,7 +11,7 @@ jobs=${*:-"rects rects-grey polys polys-grey floor floor-grey empty"}
 player=build/tools/kryn-play
 [ -x "$player" ] || { echo "build first: scripts/test.sh" >&2; exit 1; }
 pages=build/bench-pages
-gen=${KRYN_BENCH_GEN:-../shared/bench/gen.py}
+gen=${KRYN_BENCH_GEN:-bench/gen.py}
 if [ ! -f "$pages/empty.kjob" ]; then
   python3 "$gen" "$pages" >/dev/null
 fi

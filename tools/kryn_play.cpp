@@ -10,35 +10,70 @@
 
 namespace {
 
-void usage() {
-    std::cerr
-        << "usage: kryn-play SCRIPT [--trace FILE|-] [--stream FILE] [--out FILE.png|.pgm|.ppm]\n";
-}
+constexpr int EXIT_PLAYER_FAILED = 1; // an output could not be written, out of memory
+constexpr int EXIT_SCRIPT_ERROR = 2;  // bad command line, unreadable or wrong script
+constexpr int EXIT_ENGINE_ERROR = 3;  // --strict: an engine call answered an error
+
+const char USAGE[] =
+    "usage: kryn-play [options] SCRIPT    (- reads the script from standard input,\n"
+    "                                     file: data then from the current directory)\n"
+    "Plays a job script, one engine call a line, and writes what the engine delivers.\n"
+    "  --trace FILE|-   every call's result and every delivery (- : standard output)\n"
+    "  --stream FILE    the bytes of every stream chunk (the device stream)\n"
+    "  --out FILE       each page's delivered bands as one picture (.png, .pgm or .ppm;\n"
+    "                   several pages: FILE-1.png, FILE-2.png, ...)\n"
+    "  --strict         end with status 3 when an engine call answered an error code\n"
+    "                   (or Init opened no engine); the script still runs to its end\n"
+    "  -h, --help       this help\n"
+    "  --version        the version of the player and of the engine it is built with\n"
+    "Exit status: 0 the script ran (engine result codes are data, not failures);\n"
+    "  1 the player failed (an output file could not be written, out of memory);\n"
+    "  2 bad command line, or the script cannot be read or has an error (FILE:LINE: ...);\n"
+    "  3 with --strict, an engine call answered an error code.\n";
 
 struct Arguments {
     std::string script;
     std::string trace;
     std::string stream;
     std::string out;
+    bool strict = false;
+    bool help = false;
+    bool version = false;
 };
 
-bool parseArguments(int argc, char** argv, Arguments& out) {
+// Answers an error message for a command line it cannot take.
+std::string parseArguments(int argc, char** argv, Arguments& out) {
+    bool haveScript = false;
     for (int i = 1; i < argc; ++i) {
-        std::string arg = argv[i];
-        bool hasValue = i + 1 < argc;
-        if (arg == "--trace" && hasValue) {
-            out.trace = argv[++i];
-        } else if (arg == "--stream" && hasValue) {
-            out.stream = argv[++i];
-        } else if (arg == "--out" && hasValue) {
-            out.out = argv[++i];
-        } else if (!arg.starts_with("--") && out.script.empty()) {
-            out.script = arg;
+        const std::string arg = argv[i];
+        const bool hasValue = i + 1 < argc;
+        if (arg == "-h" || arg == "--help") {
+            out.help = true;
+        } else if (arg == "--version") {
+            out.version = true;
+        } else if (arg == "--strict") {
+            out.strict = true;
+        } else if (arg == "--trace" || arg == "--stream" || arg == "--out") {
+            if (!hasValue) {
+                return arg + " needs a file name";
+            }
+            std::string& value = arg == "--trace"    ? out.trace
+                                 : arg == "--stream" ? out.stream
+                                                     : out.out;
+            value = argv[++i];
+        } else if (arg.size() > 1 && arg[0] == '-') {
+            return "unknown option '" + arg + "'";
+        } else if (haveScript) {
+            return "one script at a time ('" + out.script + "', then '" + arg + "')";
         } else {
-            return false;
+            out.script = arg;
+            haveScript = true;
         }
     }
-    return !out.script.empty();
+    if (!haveScript && !out.help && !out.version) {
+        return "no script given";
+    }
+    return "";
 }
 
 // Collects the rasters of each page and writes one picture per closed page:
@@ -102,9 +137,19 @@ bool pictureNameIsValid(const std::string& path) {
 
 int main(int argc, char** argv) {
     Arguments args;
-    if (!parseArguments(argc, argv, args)) {
-        usage();
-        return 1;
+    const std::string usageError = parseArguments(argc, argv, args);
+    if (!usageError.empty()) {
+        std::cerr << "kryn-play: " << usageError << " (kryn-play --help for usage)\n";
+        return EXIT_SCRIPT_ERROR;
+    }
+    if (args.help) {
+        std::cout << USAGE;
+        return std::cout.flush() ? 0 : EXIT_PLAYER_FAILED;
+    }
+    if (args.version) {
+        std::cout << "kryn-play " << KRYN_VERSION_STRING << " (Kryn " << KRYN_VERSION_STRING
+                  << ", licensed under Apache-2.0)\n";
+        return std::cout.flush() ? 0 : EXIT_PLAYER_FAILED;
     }
     kryn::script::PlayerOptions options;
     std::ofstream traceFile;
@@ -121,13 +166,13 @@ int main(int argc, char** argv) {
     }
     if ((options.trace == &traceFile && !traceFile) || (options.stream != nullptr && !streamFile)) {
         std::cerr << "kryn-play: cannot open an output file\n";
-        return 1;
+        return EXIT_PLAYER_FAILED;
     }
     std::unique_ptr<PictureOutput> pictures;
     if (!args.out.empty()) {
         if (!pictureNameIsValid(args.out)) {
             std::cerr << "kryn-play: --out needs a .png, .pgm or .ppm file\n";
-            return 1;
+            return EXIT_SCRIPT_ERROR;
         }
         pictures = std::make_unique<PictureOutput>(args.out);
         options.onInit = [&](uint32_t w, uint32_t h, uint32_t b) {
@@ -152,9 +197,18 @@ int main(int argc, char** argv) {
         std::cerr << "kryn-play: " << pictures->error() << '\n';
         writeFailed = true;
     }
-    if (result.status == 0 && writeFailed) {
-        std::cerr << "kryn-play: writing an output file failed\n";
-        return 1;
+    if (result.status != 0) {
+        return result.status;
     }
-    return result.status;
+    if (writeFailed) {
+        std::cerr << "kryn-play: writing an output file failed\n";
+        return EXIT_PLAYER_FAILED;
+    }
+    if (args.strict && result.failedCalls != 0) {
+        std::cerr << "kryn-play: " << result.failedCalls
+                  << " engine call(s) answered an error code, the first: " << result.firstFailure
+                  << '\n';
+        return EXIT_ENGINE_ERROR;
+    }
+    return 0;
 }

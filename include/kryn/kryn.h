@@ -81,6 +81,13 @@ typedef struct ScreenTile { /* a halftone or pattern tile */
  * same page close ends its playback; the close still answers KRYN_OK. */
 #define KRYN_CB_RESTART 0x80000000u
 
+/* Callback codes. Stream calls (0x100..0x102) carry the device stream in
+ * chunks: BEGIN (band index, chunk bytes + 4), DATA pieces, END (the rest,
+ * then the chunk's 32-bit byte sum, big-endian); rect is NULL. Raster calls
+ * (0x200..0x900) carry a whole band raster: bandHeight rows of
+ * bytes / bandHeight bytes each; 8-bit grey for CB_RASTER_DIRECT and for
+ * every band of a grey page, else 32-bit 0xTTBBGGRR with run marks
+ * (kryn_raster.h expands them). docs/driver-guide.md says when each comes. */
 #define CB_STREAM_DATA 0x100u
 #define CB_STREAM_BEGIN 0x101u
 #define CB_STREAM_END 0x102u
@@ -93,6 +100,58 @@ typedef struct ScreenTile { /* a halftone or pattern tile */
 
 #define FILL_EVEN_ODD 0
 #define FILL_NONZERO 1
+
+/* ---- Names for the numbers the calls take ------------------------------ */
+
+/* Version of this header and of the library built with it. */
+#define KRYN_VERSION_MAJOR 0
+#define KRYN_VERSION_MINOR 1
+#define KRYN_VERSION_PATCH 0
+#define KRYN_VERSION_STRING "0.1.0"
+
+/* Page modes (KRYNNewPage). STREAM modes only serialise band lists, for a
+ * device that plays them itself (KRYNNextBand sends them). The others play
+ * every recorded band on the host at KRYNClosePage and deliver band rasters:
+ * BOX modes (2 to 7) render rows of pageWidth - 1 pixels and deliver colour
+ * bands as CB_RASTER_BOX with the painted box; TYPED modes (8, 9) render
+ * pageWidth pixels and deliver colour bands whole, coded by what painted
+ * them. GROUPS modes move a window of bands down the page with KRYNNextBand;
+ * the others record the whole page and may be set to the reverse side.
+ * Mode 3 keeps one more band entry and ends its page clip one column and one
+ * row short. PLAIN modes play colour bands without the work buffer of
+ * scaled images; the ALT pair behaves as the pair before it. */
+#define KRYN_PAGE_STREAM 0
+#define KRYN_PAGE_STREAM_GROUPS 1
+#define KRYN_PAGE_BOX_GROUPS 2
+#define KRYN_PAGE_BOX_SHORT 3
+#define KRYN_PAGE_BOX_PLAIN_GROUPS 4
+#define KRYN_PAGE_BOX_PLAIN 5
+#define KRYN_PAGE_BOX_PLAIN_GROUPS_ALT 6
+#define KRYN_PAGE_BOX_PLAIN_ALT 7
+#define KRYN_PAGE_TYPED_GROUPS 8
+#define KRYN_PAGE_TYPED 9
+
+/* Device levels (KRYNInit's deviceLevel): each switches its feature on for
+ * every level from it up; below 0x8003 none is on. */
+#define KRYN_LEVEL_BAND_HEADER 0x8003   /* band header chunk; KRYNSelectSpace honoured */
+#define KRYN_LEVEL_WIDE_FIELDS 0x8004   /* 16-bit screen phases, wide download tiles */
+#define KRYN_LEVEL_RECT_SPANS 0x8005    /* fills recorded as rectangle lists */
+#define KRYN_LEVEL_SHORT_SPANS 0x8006   /* band-high bars as column records */
+#define KRYN_LEVEL_TYPED_RASTERS 0x8008 /* mono bands (0x900) and content raster codes */
+#define KRYN_LEVEL_ALPHA_BLEND 0x8009   /* alpha blending; direct scaled images */
+
+/* Colour spaces (KRYNSelectSpace). */
+#define KRYN_SPACE_COLOUR 0 /* 32-bit 0xTTBBGGRR band rasters (the default) */
+#define KRYN_SPACE_GREY 1   /* 8-bit grey band rasters, 0 black, 255 white */
+
+/* Line caps and joins (KRYNSetLineCap, KRYNSetLineJoin). Join 0 is taken
+ * as JOIN_ROUND. */
+#define CAP_FLAT 0
+#define CAP_ROUND 1
+#define CAP_SQUARE 2
+#define JOIN_BEVEL 1
+#define JOIN_MITER 2
+#define JOIN_ROUND 3
 
 /* ---- Engine ------------------------------------------------------------ */
 
@@ -132,7 +191,9 @@ KRYN_EXPORT ResultCode KRYNSetReverseSide(Engine* e);
 /* out: raster row bytes, band count, page width, page height, and the two
  * reverse-side offsets (0 unless the page is set to the reverse side).
  * Each value is kept to 16 bits: the width of a 65536-pixel page reads 0,
- * and so does the row of a 32-bit raster 16384 pixels wide. */
+ * and so does the row of a 32-bit raster 16384 pixels wide. The row bytes
+ * are those of a pageWidth-pixel row: in modes 2 to 7 host rasters are one
+ * pixel narrower, so take a delivery's stride from its bytes / bandHeight. */
 KRYN_EXPORT ResultCode KRYNGetPageInfo(uint16_t out[6], Engine* e);
 
 /* ---- Graphics state stack and page-wide settings -------------------- */
@@ -145,7 +206,9 @@ KRYN_EXPORT ResultCode KRYNPushGState(Engine* e);
  * KRYN_ERR_GSTATE_UNDERFLOW when nothing was pushed. */
 KRYN_EXPORT ResultCode KRYNPopGState(Engine* e);
 /* 0: 32-bit colour rasters, 1: 8-bit grey rasters (from device level
- * 0x8003 on); other values are accepted and ignored. Needs an open page. */
+ * 0x8003 on); other values are accepted and ignored. Needs an open page.
+ * The rasters keep the space last selected on later pages too: select it on
+ * every page. */
 KRYN_EXPORT ResultCode KRYNSelectSpace(int32_t space, Engine* e);
 /* Stores three colour attribute bytes for the renderer; no page needed. */
 KRYN_EXPORT ResultCode KRYNColorAttribute(uint32_t a, uint32_t b, uint32_t c, Engine* e);
@@ -156,7 +219,9 @@ KRYN_EXPORT ResultCode KRYNSetQuantization(Engine* e);
 
 /* Device x = a*x + c*y + tx, device y = b*x + d*y + ty for m = {a, b, c, d,
  * tx, ty}. KRYN_ERR_INVALID for a singular matrix (nothing changes). The
- * first right-angle matrix of a page fixes the page orientation. */
+ * first right-angle matrix of a page ({1 0 0 1}, {0 1 -1 0}, {-1 0 0 -1},
+ * {0 -1 1 0} and any tx, ty) fixes the page orientation; nothing is painted
+ * or clipped on a page before it. */
 KRYN_EXPORT ResultCode KRYNSetMatrix(const int32_t m[6], Engine* e);
 /* Multiplies the linear part by s. KRYN_ERR_INVALID (nothing changes) when s
  * makes it singular or its determinant infinite, or s is NaN or infinite. */

@@ -199,7 +199,13 @@ inline std::string describe(const std::vector<OraclePolygon>& polys) {
     for (const auto& p : polys) {
         s += "[";
         for (const auto& q : p) {
-            s += "(" + std::to_string(q.x) + "," + std::to_string(q.y) + ")";
+            // Appended piece by piece: "(" + std::to_string(...) trips a
+            // false -Wrestrict in GCC 12 at -O3.
+            s += '(';
+            s += std::to_string(q.x);
+            s += ',';
+            s += std::to_string(q.y);
+            s += ')';
         }
         s += "]";
     }

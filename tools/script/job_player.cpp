@@ -7,8 +7,12 @@
 
 #include <zlib.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <new>
 
 namespace kryn::script {
@@ -145,9 +149,21 @@ void JobPlayer::followPage(const std::string& name, const CallFrame& frame) {
     }
 }
 
+void JobPlayer::noteResult(int lineNumber, const std::string& name, bool failed,
+                           const std::string& answer) {
+    if (!failed) {
+        return;
+    }
+    if (calls_.failedCalls++ == 0) {
+        calls_.firstFailure =
+            scriptName_ + ":" + std::to_string(lineNumber) + ": " + name + " " + answer;
+    }
+}
+
 void JobPlayer::endEngine(int lineNumber, bool traced) {
     ResultCode r = KRYNEnd(engine_);
     engine_ = nullptr;
+    noteResult(lineNumber, "End", r != KRYN_OK, resultText(r));
     if (traced && options_.trace != nullptr) {
         *options_.trace << lineNumber << " End " << resultText(r) << '\n';
     }
@@ -161,6 +177,7 @@ void JobPlayer::init(const ScriptLine& line) {
     engine_ = KRYNInit(f.scalar<int32_t>(0), f.scalar<int32_t>(1), f.scalar<int16_t>(2),
                        f.scalar<uint16_t>(3), f.scalar<uint16_t>(4));
     initSeen_ = true;
+    noteResult(line.number, "Init", engine_ == nullptr, "null");
     const int32_t height = f.scalar<int32_t>(1);
     const int32_t bandHeight = f.scalar<int16_t>(2);
     bands_.bandCount = bandHeight > 0 && height >= 0 ? (height + bandHeight) / bandHeight : 0;
@@ -203,6 +220,7 @@ void JobPlayer::playLine(const ScriptLine& line) {
     if (r == KRYN_OK) {
         followPage(line.name, frame);
     }
+    noteResult(line.number, line.name, r != KRYN_OK, resultText(r));
     if (options_.trace != nullptr) {
         *options_.trace << line.number << ' ' << line.name << ' ' << resultText(r);
         for (int64_t v : frame.outputs) {
@@ -230,20 +248,38 @@ PlayResult JobPlayer::run(std::istream& script) {
             }
         }
     } catch (const ScriptError& error) {
-        return {2, scriptName_ + ":" + std::to_string(number) + ": " + error.what()};
+        calls_.status = 2;
+        calls_.message = scriptName_ + ":" + std::to_string(number) + ": " + error.what();
+        return calls_;
     } catch (const std::bad_alloc&) {
-        return {1, scriptName_ + ":" + std::to_string(number) + ": the player ran out of memory"};
+        calls_.status = 1;
+        calls_.message =
+            scriptName_ + ":" + std::to_string(number) + ": the player ran out of memory";
+        return calls_;
     }
     if (engine_ != nullptr) {
         endEngine(number + 1, true);
     }
-    return {};
+    return calls_;
 }
 
 PlayResult playScriptFile(const std::string& path, PlayerOptions options) {
+    if (path == "-") {
+        JobPlayer player("<stdin>", ".", std::move(options));
+        return player.run(std::cin);
+    }
+    PlayResult unreadable;
+    unreadable.status = 2;
+    unreadable.message = "kryn-play: cannot read script '" + path + "': ";
+    std::error_code error;
+    if (std::filesystem::is_directory(path, error)) {
+        unreadable.message += "it is a directory";
+        return unreadable;
+    }
     std::ifstream in(path);
     if (!in) {
-        return {1, "cannot read script '" + path + "'"};
+        unreadable.message += std::strerror(errno);
+        return unreadable;
     }
     size_t slash = path.find_last_of('/');
     std::string base = slash == std::string::npos ? "." : path.substr(0, slash);

@@ -60,6 +60,10 @@ struct PlayerOptions {
 struct PlayResult {
     int status = 0;      // 0 ran, 1 the player failed, 2 script error
     std::string message; // "FILE:LINE: ..." for a script error
+    // Engine calls that answered an error code (Init: no engine), and the
+    // first of them as "FILE:LINE: NAME 0xCODE".
+    uint64_t failedCalls = 0;
+    std::string firstFailure;
 };
 
 class JobPlayer {
@@ -81,6 +85,8 @@ class JobPlayer {
     void init(const ScriptLine& line);
     void endEngine(int lineNumber, bool traced);
     void followPage(const std::string& name, const CallFrame& frame);
+    void noteResult(int lineNumber, const std::string& name, bool failed,
+                    const std::string& answer);
 
     std::string scriptName_;
     std::string baseDirectory_;
@@ -89,9 +95,12 @@ class JobPlayer {
     bool initSeen_ = false;
     PageBands bands_;
     uint64_t restartsLeft_ = 0;
+    PlayResult calls_; // what run() answers: the status and the failed calls
 };
 
-// The exit status of kryn-play for a whole run from a file.
+// The exit status of kryn-play for a whole run from a file, or from
+// standard input when the path is "-". A path that is no readable file is a
+// status-2 error.
 PlayResult playScriptFile(const std::string& path, PlayerOptions options);
 
 } // namespace kryn::script

@@ -1,5 +1,7 @@
 #include "page_picture.h"
 
+#include "kryn/kryn_raster.h"
+
 #include <png.h>
 
 #include <algorithm>
@@ -11,14 +13,6 @@
 namespace kryn::script {
 
 namespace {
-
-uint32_t readWord(const uint8_t* p) {
-    return uint32_t{p[0]} | uint32_t{p[1]} << 8 | uint32_t{p[2]} << 16 | uint32_t{p[3]} << 24;
-}
-
-// Tag bits a delivered 32-bit raster carries at run heads.
-constexpr uint32_t TAG_LONG_RUN = 0x10;  // the next word holds the run length
-constexpr uint32_t TAG_BLANK_ROW = 0x20; // the rest of the row is white
 
 bool endsWith(const std::string& s, const char* suffix) {
     size_t n = std::strlen(suffix);
@@ -133,33 +127,20 @@ void PagePicture::placeGrey(const uint8_t* raster, uint32_t stride, uint32_t row
     }
 }
 
-// 32-bit rows arrive with their runs marked: a run head whose tag has
-// TAG_LONG_RUN carries its length in the next word (the pixels it covers are
-// the head's colour); TAG_BLANK_ROW on a head means the row is white from
-// there on; any other pixel stands for itself.
+// 32-bit rows arrive with their runs marked; the public raster helper
+// expands them as a device reads them.
 void PagePicture::placeColour(const uint8_t* raster, uint32_t strideWords, uint32_t rows,
                               uint32_t top) {
+    const auto* words = reinterpret_cast<const uint32_t*>(raster);
+    std::vector<uint32_t> pixels(width_);
     for (uint32_t r = 0; r < rows && top + r < height_; ++r) {
         uint8_t* dst = rgb_.data() + (size_t{top} + r) * width_ * 3;
-        const uint8_t* src = raster + size_t{r} * strideWords * 4;
-        uint32_t x = 0;
-        const uint32_t columns = std::min(width_, strideWords);
-        while (x < columns) {
-            uint32_t word = readWord(src + size_t{x} * 4);
-            uint32_t tag = word >> 24;
-            if ((tag & TAG_BLANK_ROW) != 0) {
-                break; // the picture is already white
-            }
-            uint32_t length = 1;
-            if ((tag & TAG_LONG_RUN) != 0 && x + 1 < strideWords) {
-                length = readWord(src + size_t{x + 1} * 4);
-                length = length == 0 ? 1 : length;
-            }
-            for (uint32_t i = 0; i < length && x < columns; ++i, ++x) {
-                dst[3 * x] = static_cast<uint8_t>(word);
-                dst[3 * x + 1] = static_cast<uint8_t>(word >> 8);
-                dst[3 * x + 2] = static_cast<uint8_t>(word >> 16);
-            }
+        const uint32_t columns =
+            krynExpandRow(words + size_t{r} * strideWords, strideWords, pixels.data(), width_);
+        for (uint32_t x = 0; x < columns; ++x) {
+            dst[3 * x] = static_cast<uint8_t>(pixels[x]);
+            dst[3 * x + 1] = static_cast<uint8_t>(pixels[x] >> 8);
+            dst[3 * x + 2] = static_cast<uint8_t>(pixels[x] >> 16);
         }
     }
 }
