@@ -21,9 +21,10 @@ ResultCode playBand(Engine* e, OutputCallback callback, uintptr_t context, uint1
     if (!pageMode(resources->mode).hostRasters) {
         return KRYN_OK;
     }
-    if (appendTerminator(list) == nullptr) {
+    if (list->firstBlock == nullptr) {
         return KRYN_OK; // a list that never received a block holds nothing to play
     }
+    appendTerminator(list);
     resources->stream.callback = callback;
     resources->stream.context = context;
     list->bandIndex = band;
