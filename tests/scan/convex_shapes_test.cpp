@@ -248,21 +248,3 @@ TEST(ConvexShapes, EveryOrientationRuleAndLevelPaintsWholeRowsWithoutGaps) {
         }
     }
 }
-
-// The case that first showed the fault: a circle of radius 30 around
-// (100, 100) on a half-turned page lost its middle row.
-TEST(ConvexShapes, CircleOnAHalfTurnedPageKeepsItsMiddleRow) {
-    EnginePtr e = makeEngine(319, 319, 32);
-    ASSERT_EQ(KRYNNewPage(0, e.get()), KRYN_OK);
-    const int32_t halfTurn[6] = {-1, 0, 0, -1, 200, 200};
-    ASSERT_EQ(KRYNSetMatrix(halfTurn, e.get()), KRYN_OK);
-    ASSERT_EQ(KRYNEllipsePath(70, 70, 130, 130, e.get()), KRYN_OK);
-    ASSERT_EQ(KRYNFill(1, e.get()), KRYN_OK);
-    const Coverage c = pageCoverage(pageOf(e.get()));
-    int32_t painted = 0;
-    for (int32_t x = 0; x < c.width; ++x) {
-        painted += c.at(x, 100);
-    }
-    EXPECT_GE(painted, 59);
-    EXPECT_EQ(convexFlaw(c), "");
-}
