@@ -157,7 +157,8 @@ typedef struct ScreenTile { /* a halftone or pattern tile */
 
 /* Opens an engine for a page of (width + 1) x (height + 1) device pixels cut
  * into bands of bandHeight rows. Returns NULL when width, height or
- * bandHeight is below 1, width is above 65535, height is above 134217726
+ * bandHeight is below 1, bandHeight is above 256 (rows within a band are
+ * 8-bit in the records), width is above 65535, height is above 134217726
  * (2^27 - 2), the page would need more than 32766 bands, or memory runs out. */
 KRYN_EXPORT Engine* KRYNInit(int32_t width, int32_t height, int16_t bandHeight, uint16_t resolution,
                              uint16_t deviceLevel);

@@ -9,23 +9,15 @@ namespace kryn {
 
 namespace {
 
-uint32_t blockOffset(const DisplayListBlock* block, const uint8_t* at) {
-    return static_cast<uint32_t>(at - reinterpret_cast<const uint8_t*>(block));
-}
+// Room for the end record or the terminator in the zero tail of the last
+// block: records end by BLOCK_FILL_LIMIT, and the tail holds both.
+static_assert(BLOCK_SIZE - BLOCK_FILL_LIMIT >= 1 + TERMINATOR_SIZE);
 
-// Room for an end record or terminator: the zero tail beyond the fill limit
-// of the current block when the record fits there, else a new block.
 uint8_t* reserveTail(DisplayList* list, uint32_t n) {
     DisplayListBlock* block = list->currentBlock;
-    if (block == nullptr) {
-        return nullptr;
-    }
     uint8_t* at = block->writePointer;
-    if (blockOffset(block, at) + n <= BLOCK_SIZE) {
-        block->writePointer = at + n;
-        return at;
-    }
-    return reserveInNewBlock(list, n);
+    block->writePointer = at + n;
+    return at;
 }
 
 ResultCode appendColourSpaceRecord(DisplayList* list) {
@@ -112,26 +104,21 @@ ResultCode appendChunkRecord(DisplayList* list) {
     return KRYN_OK;
 }
 
-ResultCode appendEndRecord(DisplayList* list) {
-    if (list->ended) {
-        return KRYN_OK;
+void appendEndRecord(DisplayList* list) {
+    if (list->ended || list->currentBlock == nullptr) {
+        return;
     }
-    uint8_t* at = reserveTail(list, 1);
-    if (at == nullptr) {
-        return KRYN_ERR_NO_MEMORY;
-    }
-    at[0] = DL_OP_END;
+    reserveTail(list, 1)[0] = DL_OP_END;
     list->serialBytes += 4;
     list->ended = true;
-    return KRYN_OK;
 }
 
-uint8_t* appendTerminator(DisplayList* list) {
-    uint8_t* at = reserveTail(list, TERMINATOR_SIZE);
-    if (at != nullptr) {
-        at[0] = DL_OP_TERMINATOR; // the three bytes after it are already zero
+void appendTerminator(DisplayList* list) {
+    if (list->terminated || list->currentBlock == nullptr) {
+        return;
     }
-    return at;
+    reserveTail(list, TERMINATOR_SIZE)[0] = DL_OP_TERMINATOR; // the rest is already zero
+    list->terminated = true;
 }
 
 void releaseRecordArrays(DisplayList* list) {

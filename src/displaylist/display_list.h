@@ -7,10 +7,11 @@
 // the byte 255 follows its last record. Before the list is read it is ended
 // with DL_OP_END and terminated with a four-byte DL_OP_TERMINATOR.
 //
-// Ending and terminating never fail: those two records may use the zero tail
-// of the block beyond the fill limit, which is large enough for the end record
-// and two terminators (a page played twice). A list whose recording ran out
-// of memory can therefore always be closed and read back.
+// Ending and terminating never fail and never allocate: each is written once
+// and takes the zero tail of the last block beyond the fill limit, which no
+// other record may use (a list without a block holds no record and gets
+// neither). A list whose recording ran out of memory can therefore always
+// be closed and read back, on every pass of a replayed page.
 #pragma once
 
 #include "displaylist/opcodes.h"
@@ -52,6 +53,7 @@ struct DisplayList {
     uint32_t hasDrawing = 0;            // a painting record was written
     uint8_t activeRop = 0xA8;           // code of the last 160 written (the default before)
     bool ended = false;                 // DL_OP_END is in place
+    bool terminated = false;            // the closing DL_OP_TERMINATOR is in place
 };
 
 // Creates a list for a band (header, plus the opening chunk record in the
@@ -86,12 +88,11 @@ ResultCode commitRecord(DisplayList* list, RenderResources* resources);
 // Appends DL_OP_CHUNK and makes its size word the pending slot.
 ResultCode appendChunkRecord(DisplayList* list);
 
-// Appends DL_OP_END once; later calls do nothing. Fails only for a list that
-// never received a block (it holds no records).
-ResultCode appendEndRecord(DisplayList* list);
+// Appends DL_OP_END once; later calls do nothing.
+void appendEndRecord(DisplayList* list);
 
-// Appends a four-byte terminator; null only for a list without blocks.
-uint8_t* appendTerminator(DisplayList* list);
+// Appends the four-byte terminator once; later calls do nothing.
+void appendTerminator(DisplayList* list);
 
 // Frees the arrays that the list's records own (the pointers stay behind).
 void releaseRecordArrays(DisplayList* list);

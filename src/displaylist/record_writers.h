@@ -77,7 +77,10 @@ ResultCode writeRects(DisplayList* list, uint8_t* buffer, uint16_t count,
 ResultCode writeRowSpans(DisplayList* list, uint8_t firstRow, uint8_t* entries, int32_t count,
                          RenderResources* resources);
 
-// 133 / 149, merged with the previous rectangle where possible.
+// 133 / 149, merged with the previous rectangle where possible. Heights of
+// up to 255 rows, or all 256 rows of a 256-row band (a 149 where one may be
+// written, else two 133s); KRYN_ERR_INVALID beyond, or for widths above
+// 65535 or past column 65535.
 ResultCode writeRect(DisplayList* list, RecordPosition at, uint32_t width, uint32_t height,
                      RenderResources* resources);
 

@@ -11,7 +11,8 @@ namespace kryn {
 namespace {
 
 inline constexpr uint32_t MAX_COLUMN_WIDTH = 255;
-inline constexpr uint32_t MAX_RECT_HEIGHT = 255;
+inline constexpr uint32_t MAX_RECT_HEIGHT = 255; // a 133's height is 8-bit
+inline constexpr uint32_t MAX_BAND_ROWS = 256;
 inline constexpr uint32_t MAX_RECT_WIDTH = 0xFFFF;
 
 // Rows [row, row + height) by columns [x, x + width).
@@ -24,8 +25,10 @@ bool overlap(const Box& a, const Box& b) {
            b.row < a.row + a.height;
 }
 
+// Compared in full: a 149 stands for every row of the band, 256 included,
+// which no 133 can hold.
 bool fillsBandHeight(const DisplayList* list, uint32_t height) {
-    return (height & 0xFF) == list->bandHeight;
+    return height == list->bandHeight;
 }
 
 ResultCode writeNewRect(DisplayList* list, const Box& b, RenderResources* resources) {
@@ -143,9 +146,22 @@ Box candidateBox(const DisplayList* list, const uint8_t* c) {
 // rectangle are consecutive records, so both are painted with it.
 ResultCode writeRect(DisplayList* list, RecordPosition at, uint32_t width, uint32_t height,
                      RenderResources* resources) {
-    if (width > MAX_RECT_WIDTH || height > MAX_RECT_HEIGHT ||
-        static_cast<uint32_t>(at.x) + width > 0xFFFF + 1u) {
+    if (width > MAX_RECT_WIDTH || static_cast<uint32_t>(at.x) + width > 0xFFFF + 1u ||
+        (height > MAX_RECT_HEIGHT && at.row + height > MAX_BAND_ROWS)) {
         return KRYN_ERR_INVALID;
+    }
+    const bool column = width <= MAX_COLUMN_WIDTH && fillsBandHeight(list, height) &&
+                        resources->deviceLevel >= LEVEL_SHORT_SPANS;
+    if (height > MAX_RECT_HEIGHT && !column) {
+        // All 256 rows of a band: two records, of 255 rows and of the last
+        // row (each merges as any rectangle would). When the second cannot
+        // be written the first stays, like every record a failing fill made.
+        const ResultCode r = writeRect(list, at, width, MAX_RECT_HEIGHT, resources);
+        if (failed(r)) {
+            return r;
+        }
+        const RecordPosition rest{static_cast<uint8_t>(at.row + MAX_RECT_HEIGHT), at.x};
+        return writeRect(list, rest, width, height - MAX_RECT_HEIGHT, resources);
     }
     const Box b{at.row, at.x, width, height};
     uint8_t* c = list->mergeCandidate;
@@ -160,7 +176,7 @@ ResultCode writeRect(DisplayList* list, RecordPosition at, uint32_t width, uint3
         merged =
             width <= MAX_COLUMN_WIDTH && fillsBandHeight(list, height) && mergeIntoColumn(c, b);
     } else if (c[0] == DL_OP_RECT) {
-        merged = mergeIntoRect(c, b);
+        merged = height <= MAX_RECT_HEIGHT && mergeIntoRect(c, b);
     } else {
         list->mergeCandidate = nullptr;
     }

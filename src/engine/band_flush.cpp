@@ -71,12 +71,10 @@ ResultCode nextBand(Engine* e, uint32_t bandsPerGroup, OutputCallback callback, 
         resources->groupSpare = GROUP_UNSET;
         e->nextBandCount = static_cast<uint16_t>(e->nextBandCount + 1);
     }
+    // The recorded range is empty now whatever was flushed. The last band is
+    // never sent here: a list it holds stays with it, outside the range, and
+    // page close plays it (bandsWithLists).
     page->dirty.clear();
-    // The last band is never sent here; while it holds a list it stays in the
-    // recorded range so that page close still ends and plays it.
-    if (page->bands[lastBand].list != nullptr) {
-        page->dirty.include(lastBand);
-    }
     const int16_t oldLast = page->group.last;
     page->group.first = static_cast<int16_t>(oldLast + 1);
     // Summed in 64 bits (any bandsPerGroup), then wrapped to 16 like the rest.

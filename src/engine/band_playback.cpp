@@ -21,9 +21,10 @@ ResultCode playBand(Engine* e, OutputCallback callback, uintptr_t context, uint1
     if (!pageMode(resources->mode).hostRasters) {
         return KRYN_OK;
     }
-    if (appendTerminator(list) == nullptr) {
+    if (list->firstBlock == nullptr) {
         return KRYN_OK; // a list that never received a block holds nothing to play
     }
+    appendTerminator(list);
     resources->stream.callback = callback;
     resources->stream.context = context;
     list->bandIndex = band;
@@ -73,11 +74,14 @@ ResultCode playPass(Engine* e, PageRecord* page, OutputCallback callback, uintpt
 } // namespace
 
 void playPage(Engine* e, PageRecord* page, OutputCallback callback, uintptr_t context) {
-    if (page->dirty.empty()) {
+    // The recorded range, and the last band, whose list KRYNNextBand keeps
+    // outside the range.
+    const BandRange bands = bandsWithLists(*page, e->bandCount - 1);
+    if (bands.empty()) {
         return;
     }
-    const int32_t first = page->dirty.first;
-    const int32_t last = std::min<int32_t>(page->dirty.last, e->bandCount - 1);
+    const int32_t first = bands.first;
+    const int32_t last = std::min<int32_t>(bands.last, e->bandCount - 1);
     // The driver may ask once for the whole page again; a second request, or
     // any other failure, ends playback.
     ResultCode r = playPass(e, page, callback, context, first, last);

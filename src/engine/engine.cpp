@@ -46,8 +46,8 @@ void releaseRenderResources(RenderResources* resources) {
 
 Engine* createEngine(int32_t width, int32_t height, int16_t bandHeight, uint16_t resolution,
                      uint16_t deviceLevel) {
-    if (width < 1 || height < 1 || bandHeight < 1 || width > MAX_PAGE_WIDTH_ARGUMENT ||
-        height > MAX_PAGE_HEIGHT_ARGUMENT) {
+    if (width < 1 || height < 1 || bandHeight < 1 || bandHeight > MAX_BAND_HEIGHT ||
+        width > MAX_PAGE_WIDTH_ARGUMENT || height > MAX_PAGE_HEIGHT_ARGUMENT) {
         return nullptr;
     }
     const int32_t pageHeight = height + 1;

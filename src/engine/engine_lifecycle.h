@@ -11,6 +11,8 @@ namespace kryn {
 // indices must leave room for the empty-range marker.
 inline constexpr int32_t MAX_PAGE_WIDTH_ARGUMENT = 65535;
 inline constexpr int32_t MAX_BAND_COUNT = 32766;
+// Rows inside a band are 8-bit in the records.
+inline constexpr int32_t MAX_BAND_HEIGHT = 256;
 // The clip works in sixteenths of a pixel in 32 bits: every row of the page,
 // and the row below it, must stay below 2^27.
 inline constexpr int32_t MAX_PAGE_HEIGHT_ARGUMENT = (1 << 27) - 2;

@@ -82,6 +82,14 @@ ResultCode getBandList(PageRecord* page, int32_t bandIndex, DisplayList** out) {
     return KRYN_OK;
 }
 
+BandRange bandsWithLists(const PageRecord& page, int32_t lastBand) {
+    BandRange range = page.dirty;
+    if (lastBand >= 0 && lastBand < page.bandCount && page.bands[lastBand].list != nullptr) {
+        range.include(lastBand);
+    }
+    return range;
+}
+
 void resetBand(BandEntry* band) {
     freeAndClear(band->bandRegion);
     freeAndClear(band->runBuffer);

@@ -100,8 +100,16 @@ ResultCode createPageRecord(Engine* e, int32_t mode, PageRecord** out);
 // Frees every band's storage and the record.
 void destroyPageRecord(PageRecord* page);
 
-// Stores the band's list in *out, creating it on first use.
+// Stores the band's list in *out, creating it on first use (a new list
+// widens the recorded range).
 ResultCode getBandList(PageRecord* page, int32_t bandIndex, DisplayList** out);
+
+// The bands that may hold a list: the recorded range, widened by the page's
+// last band (`lastBand`, the engine's band count - 1) while that holds one.
+// KRYNNextBand never sends the last band yet empties the recorded range, so
+// from then on the last band's list lives outside the range; page close
+// still plays it, and page release frees every band.
+BandRange bandsWithLists(const PageRecord& page, int32_t lastBand);
 
 // Frees the band's region and run buffers (its list must already be freed)
 // and resets the mirror fields that a flushed band starts again from.

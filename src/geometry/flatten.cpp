@@ -1,5 +1,4 @@
 #include "geometry/flatten.h"
-#include "geometry/saturate.h"
 
 #include <cstdlib>
 
@@ -30,8 +29,16 @@ int32_t mid(int32_t a, int32_t b) {
     return static_cast<int32_t>((static_cast<int64_t>(a) + b) >> 1);
 }
 
+int64_t mid(int64_t a, int64_t b) {
+    return (a + b) >> 1; // both within +-WIDE_FIXED_LIMIT
+}
+
 FixedPoint mid(FixedPoint a, FixedPoint b) {
     return FixedPoint{mid(a.x, b.x), mid(a.y, b.y)};
+}
+
+WidePoint mid(WidePoint a, WidePoint b) {
+    return WidePoint{mid(a.x, b.x), mid(a.y, b.y)};
 }
 
 FloatPoint mid(FloatPoint a, FloatPoint b) {
@@ -50,8 +57,33 @@ void split(const Point p[4], Point left[4], Point right[4]) {
     right[0] = centre, right[1] = p123, right[2] = p23, right[3] = p[3];
 }
 
-ResultCode fixedStep(const FixedPoint p[4], int32_t tolerance, FixedChordSink sink, void* context,
+bool wideOutsideOneEdge(const WidePoint p[4], const WideBox& clip) {
+    bool left = true, right = true, above = true, below = true;
+    for (int i = 0; i < 4; ++i) {
+        left = left && p[i].x < clip.minX;
+        right = right && p[i].x > clip.maxX;
+        above = above && p[i].y < clip.minY;
+        below = below && p[i].y > clip.maxY;
+    }
+    return left || right || above || below;
+}
+
+bool outsideOneEdge(const FixedPoint[4], const void*) {
+    return false;
+}
+
+bool outsideOneEdge(const WidePoint p[4], const WideBox* clip) {
+    return clip != nullptr && wideOutsideOneEdge(p, *clip);
+}
+
+// Midpoint splitting in fixed point, the same arithmetic for 32-bit and
+// 64-bit points, so a curve gives the same chords in either.
+template <class Point, class Box, class Sink>
+ResultCode fixedStep(const Point p[4], int32_t tolerance, const Box* clip, Sink sink, void* context,
                      int32_t depth) {
+    if (outsideOneEdge(p, clip)) {
+        return sink(context, p[0], p[3]);
+    }
     if (depth > 0) {
         const int64_t fx = flatness(p[0].x, p[1].x, p[2].x, p[3].x);
         const int64_t fy = flatness(p[0].y, p[1].y, p[2].y, p[3].y);
@@ -59,13 +91,13 @@ ResultCode fixedStep(const FixedPoint p[4], int32_t tolerance, FixedChordSink si
             return sink(context, p[0], p[3]);
         }
     }
-    FixedPoint left[4], right[4];
+    Point left[4], right[4];
     split(p, left, right);
-    const ResultCode r = fixedStep(left, tolerance, sink, context, depth + 1);
-    return failed(r) ? r : fixedStep(right, tolerance, sink, context, depth + 1);
+    const ResultCode r = fixedStep(left, tolerance, clip, sink, context, depth + 1);
+    return failed(r) ? r : fixedStep(right, tolerance, clip, sink, context, depth + 1);
 }
 
-bool outsideOneEdge(const FloatPoint p[4], const FloatBox& clip) {
+bool floatOutsideOneEdge(const FloatPoint p[4], const FloatBox& clip) {
     bool left = true, right = true, above = true, below = true;
     for (int i = 0; i < 4; ++i) {
         left = left && p[i].x < clip.minX;
@@ -78,7 +110,7 @@ bool outsideOneEdge(const FloatPoint p[4], const FloatBox& clip) {
 
 ResultCode floatStep(const FloatPoint p[4], const FloatBox& clip, float tolerance,
                      FloatChordSink sink, void* context, int32_t depth) {
-    if (outsideOneEdge(p, clip)) {
+    if (floatOutsideOneEdge(p, clip)) {
         return sink(context, p[0], p[3]);
     }
     if (depth > 0) {
@@ -94,18 +126,36 @@ ResultCode floatStep(const FloatPoint p[4], const FloatBox& clip, float toleranc
     return failed(r) ? r : floatStep(right, clip, tolerance, sink, context, depth + 1);
 }
 
-int32_t toFixed(float v) {
-    return saturateToInt32(static_cast<double>(v) * 65536.0);
-}
-
 } // namespace
+
+int64_t toWideFixed(double pixels) {
+    const double v = pixels * 65536.0;
+    if (!(v == v)) {
+        return 0;
+    }
+    if (v >= static_cast<double>(WIDE_FIXED_LIMIT)) {
+        return WIDE_FIXED_LIMIT;
+    }
+    if (v <= -static_cast<double>(WIDE_FIXED_LIMIT)) {
+        return -WIDE_FIXED_LIMIT;
+    }
+    return static_cast<int64_t>(v);
+}
 
 ResultCode flattenFixed(const FixedPoint p[4], int32_t tolerance, FixedChordSink sink,
                         void* context) {
     if (tolerance < 0) {
         return sink(context, p[0], p[3]);
     }
-    return fixedStep(p, tolerance, sink, context, 0);
+    return fixedStep(p, tolerance, static_cast<const void*>(nullptr), sink, context, 0);
+}
+
+ResultCode flattenWide(const WidePoint p[4], int32_t tolerance, const WideBox* clip,
+                       WideChordSink sink, void* context) {
+    if (tolerance < 0) {
+        return sink(context, p[0], p[3]);
+    }
+    return fixedStep(p, tolerance, clip, sink, context, 0);
 }
 
 ResultCode flattenFloat(const FloatPoint p[4], const FloatBox& clip, float tolerance,
@@ -142,24 +192,23 @@ int32_t arcSteps(int32_t radius, int32_t angle, int32_t tolerance) {
     return n;
 }
 
-ResultCode flattenPowerCurve(FixedPoint p0, const PowerCubic& curve, int32_t tolerance,
-                             FixedChordSink sink, void* context, FixedPoint* end) {
-    const int64_t ax = toFixed(curve.ax), ay = toFixed(curve.ay);
-    const int64_t bx = toFixed(curve.bx), by = toFixed(curve.by);
-    const int64_t cx = toFixed(curve.cx), cy = toFixed(curve.cy);
-    const FixedPoint last{static_cast<int32_t>(p0.x + ax + bx + cx),
-                          static_cast<int32_t>(p0.y + ay + by + cy)};
+ResultCode flattenPowerCurve(WidePoint p0, const PowerCubic& curve, int32_t tolerance,
+                             const WideBox* clip, WideChordSink sink, void* context,
+                             WidePoint* end) {
+    const int64_t ax = toWideFixed(curve.ax), ay = toWideFixed(curve.ay);
+    const int64_t bx = toWideFixed(curve.bx), by = toWideFixed(curve.by);
+    const int64_t cx = toWideFixed(curve.cx), cy = toWideFixed(curve.cy);
+    const WidePoint last{p0.x + ax + bx + cx, p0.y + ay + by + cy};
     *end = last;
     const int32_t n = arcSteps(curve.radius, curve.angle, tolerance);
     if (n == -1) {
-        const FixedPoint bezier[4] = {
+        const WidePoint bezier[4] = {
             p0,
-            {static_cast<int32_t>(p0.x + cx / 3), static_cast<int32_t>(p0.y + cy / 3)},
-            {static_cast<int32_t>(p0.x + (bx + 2 * cx) / 3),
-             static_cast<int32_t>(p0.y + (by + 2 * cy) / 3)},
+            {p0.x + cx / 3, p0.y + cy / 3},
+            {p0.x + (bx + 2 * cx) / 3, p0.y + (by + 2 * cy) / 3},
             last,
         };
-        return flattenFixed(bezier, tolerance, sink, context);
+        return flattenWide(bezier, tolerance, clip, sink, context);
     }
     if (n <= 1) {
         return sink(context, p0, last);
@@ -176,14 +225,14 @@ ResultCode flattenPowerCurve(FixedPoint p0, const PowerCubic& curve, int32_t tol
         d2[k] = 6 * a[k] + 2 * b[k];
         d3[k] = 6 * a[k];
     }
-    FixedPoint from = p0;
+    WidePoint from = p0;
     for (int32_t i = 1; i < n; ++i) {
         for (int k = 0; k < 2; ++k) {
             p[k] += d1[k];
             d1[k] += d2[k];
             d2[k] += d3[k];
         }
-        const FixedPoint to{static_cast<int32_t>(p[0]), static_cast<int32_t>(p[1])};
+        const WidePoint to{p[0], p[1]};
         const ResultCode r = sink(context, from, to);
         if (failed(r)) {
             return r;

@@ -73,26 +73,30 @@ ResultCode playColour(BandRenderer* renderer, RenderResources* resources, uint16
 }
 
 // A black-and-white band of a colour page, played one byte per pixel over
-// the colour raster's memory. The shared renderer's box is zeroed after it,
-// so the next colour band clears its whole raster.
+// the colour raster's memory. The shared renderer itself takes the grey
+// layout for the band (stride, kind, an empty box) and gets its colour
+// layout back afterwards, so whatever the walk leaves pointing at the
+// renderer (the paint state's box) points at the renderer, never at a copy
+// that is gone. Its box is left empty, so the next colour band clears its
+// whole raster. The expand buffer, sized for the colour layout, stays.
 ResultCode playMono(BandRenderer* renderer, RenderResources* resources, uint16_t band,
                     DisplayList* list, int32_t) {
     const ResultCode r = matchLayout(renderer, resources, false);
     if (failed(r)) {
         return r;
     }
-    BandRenderer copy = *renderer;
-    copy.strideWords = rasterStrideBytes(renderer->width, true) / 4;
-    copy.rendererKind = RENDERER_GREY;
-    copy.box = DirtyBox{};
-    tryExpandBuffer(&copy, expandBufferBytes(*renderer));
+    tryExpandBuffer(renderer, expandBufferBytes(*renderer));
+    const int32_t colourStrideWords = renderer->strideWords;
+    const int32_t colourKind = renderer->rendererKind;
+    renderer->strideWords = rasterStrideBytes(renderer->width, true) / 4;
+    renderer->rendererKind = RENDERER_GREY;
+    renderer->box = DirtyBox{};
     ResultCode result = KRYN_OK;
     if (!listIsEmpty(list)) {
-        result = walkBand(copy, *resources, band, *list, BAND_MONO);
+        result = walkBand(*renderer, *resources, band, *list, BAND_MONO);
     }
-    if (renderer->expandBuffer == nullptr) {
-        renderer->expandBuffer = copy.expandBuffer;
-    }
+    renderer->strideWords = colourStrideWords;
+    renderer->rendererKind = colourKind;
     renderer->box = DirtyBox{};
     return result;
 }

@@ -51,7 +51,7 @@ ResultCode clipToPath(Engine* e, uint32_t rule) {
 }
 
 ResultCode clearClip(Engine* e) {
-    return currentState(e) == nullptr ? KRYN_ERR_INVALID : resetPageClip(e);
+    return currentState(e) == nullptr ? KRYN_ERR_INVALID : clearPageClip(e);
 }
 
 ResultCode pushClipRegion(Engine* e) {

@@ -39,7 +39,7 @@ ResultCode fillPath(Engine* e, uint32_t rule) {
     }
     PageRecord& page = *e->pageSlot->page;
     if (isWhitePaint(*gs)) {
-        if (page.dirty.empty()) {
+        if (bandsWithLists(page, e->bandCount - 1).empty()) {
             consumePath(*gs, page, false); // white on white paper: nothing to record
             return KRYN_OK;
         }

@@ -19,6 +19,10 @@ ClipPage clipPageOf(const Engine* e, const PageRecord* page) {
     return p;
 }
 
+namespace {
+
+// Resets the current state's clip to the base region; the current path is
+// lost, as with every clip reset.
 ResultCode resetPageClip(Engine* e) {
     PageRecord* page = e->pageSlot->page;
     GraphicsState* gs = e->pageSlot->gstateTop;
@@ -30,10 +34,14 @@ ResultCode resetPageClip(Engine* e) {
     return resetClip(&gs->clip, &page->scan, *e->baseClip, clipPageOf(e, page));
 }
 
+} // namespace
+
 ResultCode rebuildPageClip(Engine* e) {
     PageRecord* page = e->pageSlot->page;
     if (page->pageQuarterTurns == -1) {
-        return KRYN_OK;
+        // A reset sets the identity matrix for the page rectangle it clips
+        // to, which establishes an unset orientation as 0 quarter turns.
+        page->pageQuarterTurns = 0;
     }
     // Scan conversion follows the page orientation from now on.
     ResultCode r = openScanState(&page->scan, page->pageQuarterTurns, page->bandHeight);
@@ -41,6 +49,16 @@ ResultCode rebuildPageClip(Engine* e) {
         r = buildBaseClip(&page->scan, clipPageOf(e, page), &e->baseClip);
     }
     return failed(r) ? r : resetPageClip(e);
+}
+
+ResultCode clearPageClip(Engine* e) {
+    const PageRecord* page = e->pageSlot->page;
+    if (page->pageQuarterTurns == -1 || e->baseClip == nullptr) {
+        // No orientation yet (or its base region could not be built): the
+        // reset establishes it and builds the base region first.
+        return rebuildPageClip(e);
+    }
+    return resetPageClip(e);
 }
 
 } // namespace kryn

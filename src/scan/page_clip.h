@@ -15,12 +15,14 @@ ClipPage clipPageOf(const Engine* e, const PageRecord* page);
 
 // Rebuilds the base region for the page's orientation and current band
 // group, then resets the current state's clip to it; the current path is
-// lost, as with every clip reset. Nothing happens while the orientation is
-// not yet established.
+// lost, as with every clip reset. An orientation not yet established
+// becomes 0 quarter turns, as the identity matrix of a reset makes it
+// (KRYNNextBand before any KRYNSetMatrix).
 ResultCode rebuildPageClip(Engine* e);
 
-// Resets the current state's clip to the base region (KRYNClearClip); the
-// current path is lost. KRYN_OK with no effect before the orientation.
-ResultCode resetPageClip(Engine* e);
+// KRYNClearClip: resets the current state's clip to the base region; the
+// current path is lost. Establishes an unset orientation as rebuildPageClip
+// does, and builds a base region that could not be built before.
+ResultCode clearPageClip(Engine* e);
 
 } // namespace kryn

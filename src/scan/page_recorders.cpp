@@ -174,7 +174,8 @@ ResultCode addColumnRun(PageRecord* page, int32_t index, int32_t x, int32_t row,
     return commitEntry(page, band, band.columnRunBuffer, COLUMN_ENTRY_BYTES, writeColumnRuns);
 }
 
-// Rows first..last of one band, as records of at most MAX_RECORD_ROWS rows.
+// Rows first..last of one band: one rectangle, or column runs of at most
+// MAX_RECORD_ROWS rows each (their heights are 8-bit).
 ResultCode recordBandRect(PageRecord* page, int32_t index, int32_t x0, int32_t x1, int32_t first,
                           int32_t last) {
     DisplayList* list = nullptr;
@@ -187,12 +188,15 @@ ResultCode recordBandRect(PageRecord* page, int32_t index, int32_t x0, int32_t x
     if (!columnRuns) {
         r = syncBandForSpans(page, &band, list);
     }
+    if (!columnRuns) {
+        // The writer takes every row of a band, 256 included.
+        return failed(r) ? r
+                         : writeRect(list, {static_cast<uint8_t>(first), static_cast<uint16_t>(x0)},
+                                     static_cast<uint32_t>(x1 - x0 + 1),
+                                     static_cast<uint32_t>(last - first + 1), page->resources);
+    }
     for (int32_t row = first; row <= last && !failed(r); row += MAX_RECORD_ROWS) {
-        const int32_t rows = std::min(MAX_RECORD_ROWS, last - row + 1);
-        r = columnRuns ? addColumnRun(page, index, x0, row, rows)
-                       : writeRect(list, {static_cast<uint8_t>(row), static_cast<uint16_t>(x0)},
-                                   static_cast<uint32_t>(x1 - x0 + 1), static_cast<uint32_t>(rows),
-                                   page->resources);
+        r = addColumnRun(page, index, x0, row, std::min(MAX_RECORD_ROWS, last - row + 1));
     }
     return r;
 }

@@ -8,19 +8,10 @@ namespace kryn {
 
 namespace {
 
-// Largest whole pixel whose 16.16 value fits 32 bits.
-constexpr int32_t FIXED_PIXEL_LIMIT = 32767;
-
-int32_t toFixed(float v) {
-    return static_cast<int32_t>(v * 65536.0f);
-}
-
-ResultCode fixedChord(void* context, FixedPoint from, FixedPoint to) {
-    return addEdgeFixed(static_cast<ScanState*>(context), from.x, from.y, to.x, to.y);
-}
-
-ResultCode clampedChord(void* context, FloatPoint from, FloatPoint to) {
-    return addLineClamped(static_cast<ScanState*>(context), from.x, from.y, to.x, to.y);
+// 16.16 of a pen position inside the fast box (saturated, so a value that
+// rounding pushed past it stays defined).
+int32_t fixedOf(double pixels) {
+    return saturateToInt32(pixels * 65536.0);
 }
 
 bool boxesMeet(const FloatBox& b, const ScanFloatBox& c) {
@@ -31,34 +22,33 @@ bool inFastBox(const FloatBox& b) {
     return b.minX >= 0 && b.minY >= 0 && b.maxX <= FAST_BOX_PIXELS && b.maxY <= FAST_BOX_PIXELS;
 }
 
-bool fitsFixed(const int32_t* v, int n) {
-    for (int i = 0; i < n; ++i) {
-        if (v[i] > FIXED_PIXEL_LIMIT || v[i] < -FIXED_PIXEL_LIMIT) {
-            return false;
-        }
-    }
-    return true;
-}
-
+// Walks one subpath into edges. The pen is where the next edge starts, in
+// pixels held as a double, which is exact both for float path points and
+// for 16.16 points: after a stepped arc it is the arc's stepped end, so the
+// next segment and the closing line start exactly where the arc's last
+// chord ended and the outline has no gap or overlap at the joint.
 class SubpathWalker {
   public:
     SubpathWalker(ScanState* scan, const FlattenTolerance& tolerance, const ScanFloatBox& clip,
                   bool direct)
         : scan_(scan), tolerance_(tolerance), direct_(direct) {
         clip_ = FloatBox{clip.minX, clip.maxX, clip.minY, clip.maxY};
+        wideClip_ = WideBox{toWideFixed(clip.minX), toWideFixed(clip.maxX), toWideFixed(clip.minY),
+                            toWideFixed(clip.maxY)};
     }
 
     ResultCode walk(const Subpath& sp) {
-        float at[2] = {sp.start[0], sp.start[1]};
+        pen_[0] = sp.start[0];
+        pen_[1] = sp.start[1];
         for (const PathSegment* s = sp.paintFirstSegment; s != nullptr; s = s->next) {
-            const ResultCode r = segment(*s, at);
+            const ResultCode r = segment(*s);
             if (failed(r)) {
                 return r;
             }
-            segmentEnd(*s, at, at);
         }
-        if (at[0] != sp.start[0] || at[1] != sp.start[1]) {
-            const ResultCode r = line(at[0], at[1], sp.start[0], sp.start[1]);
+        if (pen_[0] != static_cast<double>(sp.start[0]) ||
+            pen_[1] != static_cast<double>(sp.start[1])) {
+            const ResultCode r = lineTo(sp.start[0], sp.start[1]);
             if (failed(r)) {
                 return r;
             }
@@ -68,69 +58,77 @@ class SubpathWalker {
     }
 
   private:
-    ResultCode line(float x0, float y0, float x1, float y1) {
-        return direct_ ? addLineDirect(scan_, x0, y0, x1, y1)
-                       : addLineClamped(scan_, x0, y0, x1, y1);
-    }
-
-    ResultCode curve(const float at[2], const float c[6]) {
-        if (direct_) {
-            const FixedPoint p[4] = {{toFixed(at[0]), toFixed(at[1])},
-                                     {toFixed(c[0]), toFixed(c[1])},
-                                     {toFixed(c[2]), toFixed(c[3])},
-                                     {toFixed(c[4]), toFixed(c[5])}};
-            return flattenFixed(p, tolerance_.fixed, fixedChord, scan_);
+    // One line from the pen; the pen moves to its end.
+    ResultCode lineTo(double x, double y) {
+        if (x == pen_[0] && y == pen_[1]) {
+            return KRYN_OK;
         }
-        const FloatPoint p[4] = {{at[0], at[1]}, {c[0], c[1]}, {c[2], c[3]}, {c[4], c[5]}};
-        return flattenFloat(p, clip_, tolerance_.real, clampedChord, scan_);
+        const ResultCode r = direct_ ? addEdgeFixed(scan_, fixedOf(pen_[0]), fixedOf(pen_[1]),
+                                                    fixedOf(x), fixedOf(y))
+                                     : addLineClamped(scan_, pen_[0], pen_[1], x, y);
+        pen_[0] = x;
+        pen_[1] = y;
+        return r;
     }
 
-    // A power-form cubic steps in fixed point inside the fast box; outside
-    // it the same cubic is flattened as its Bezier form with clamping.
-    ResultCode powerCurve(const float at[2], const PowerCubic& pc) {
+    // Chord sinks: every flattener emits its chords in order from the pen,
+    // so only the chord's end is taken.
+    static ResultCode fixedChord(void* context, FixedPoint, FixedPoint to) {
+        return static_cast<SubpathWalker*>(context)->lineTo(to.x / 65536.0, to.y / 65536.0);
+    }
+
+    static ResultCode floatChord(void* context, FloatPoint, FloatPoint to) {
+        return static_cast<SubpathWalker*>(context)->lineTo(to.x, to.y);
+    }
+
+    static ResultCode wideChord(void* context, WidePoint, WidePoint to) {
+        return static_cast<SubpathWalker*>(context)->lineTo(static_cast<double>(to.x) / 65536.0,
+                                                            static_cast<double>(to.y) / 65536.0);
+    }
+
+    // A float cubic from the pen through controls c[0..3] to c[4..5].
+    ResultCode curve(const float c[6]) {
         if (direct_) {
-            FixedPoint end;
-            return flattenPowerCurve(FixedPoint{toFixed(at[0]), toFixed(at[1])}, pc,
-                                     tolerance_.fixed, fixedChord, scan_, &end);
+            const FixedPoint p[4] = {{fixedOf(pen_[0]), fixedOf(pen_[1])},
+                                     {fixedOf(c[0]), fixedOf(c[1])},
+                                     {fixedOf(c[2]), fixedOf(c[3])},
+                                     {fixedOf(c[4]), fixedOf(c[5])}};
+            return flattenFixed(p, tolerance_.fixed, fixedChord, this);
         }
-        const float c1x = at[0] + pc.cx / 3.0f;
-        const float c1y = at[1] + pc.cy / 3.0f;
-        const float c[6] = {c1x,
-                            c1y,
-                            c1x + (pc.cx + pc.bx) / 3.0f,
-                            c1y + (pc.cy + pc.by) / 3.0f,
-                            at[0] + pc.ax + pc.bx + pc.cx,
-                            at[1] + pc.ay + pc.by + pc.cy};
-        return curve(at, c);
+        const FloatPoint p[4] = {{static_cast<float>(pen_[0]), static_cast<float>(pen_[1])},
+                                 {c[0], c[1]},
+                                 {c[2], c[3]},
+                                 {c[4], c[5]}};
+        return flattenFloat(p, clip_, tolerance_.real, floatChord, this);
     }
 
-    ResultCode segment(const PathSegment& s, const float at[2]) {
+    // A power-form cubic is stepped in 16.16 from the pen, inside the fast
+    // box and outside it alike (there with 64-bit points, each chord then
+    // clamped), so an arc gives the same chords wherever it lies.
+    ResultCode powerCurve(const PowerCubic& pc) {
+        const WidePoint from{toWideFixed(pen_[0]), toWideFixed(pen_[1])};
+        WidePoint end;
+        return flattenPowerCurve(from, pc, tolerance_.fixed, direct_ ? nullptr : &wideClip_,
+                                 wideChord, this, &end);
+    }
+
+    ResultCode segment(const PathSegment& s) {
         switch (s.type) {
         case SEG_LINE:
-            return line(at[0], at[1], s.line[0], s.line[1]);
-        case SEG_LINE_INT: {
-            // at may lie beyond int32 (a float path point): saturate, the
-            // comparison below then sends it the float way.
-            const int32_t from[2] = {saturateToInt32(at[0]), saturateToInt32(at[1])};
-            if (at[0] == static_cast<float>(from[0]) && at[1] == static_cast<float>(from[1]) &&
-                fitsFixed(from, 2) && fitsFixed(s.lineInt, 2)) {
-                return addEdgeFixed(scan_, from[0] * 65536, from[1] * 65536, s.lineInt[0] * 65536,
-                                    s.lineInt[1] * 65536);
-            }
-            return line(at[0], at[1], static_cast<float>(s.lineInt[0]),
-                        static_cast<float>(s.lineInt[1]));
-        }
+            return lineTo(s.line[0], s.line[1]);
+        case SEG_LINE_INT:
+            return lineTo(s.lineInt[0], s.lineInt[1]);
         case SEG_CURVE:
-            return curve(at, s.curve);
+            return curve(s.curve);
         case SEG_CURVE_INT: {
             float c[6];
             for (int i = 0; i < 6; ++i) {
                 c[i] = static_cast<float>(s.curveInt[i]);
             }
-            return curve(at, c);
+            return curve(c);
         }
         case SEG_POLY_CURVE:
-            return powerCurve(at, s.poly);
+            return powerCurve(s.poly);
         default:
             return KRYN_OK;
         }
@@ -139,7 +137,9 @@ class SubpathWalker {
     ScanState* scan_;
     FlattenTolerance tolerance_;
     FloatBox clip_;
+    WideBox wideClip_;
     bool direct_;
+    double pen_[2] = {0.0, 0.0};
 };
 
 // A subpath whose next one continues it (the same first painted segment,

@@ -72,8 +72,7 @@ ResultCode addLineDirect(ScanState* scan, float x0, float y0, float x1, float y1
                         static_cast<int32_t>(y1 * 65536.0f));
 }
 
-ResultCode addLineClamped(ScanState* scan, float fx0, float fy0, float fx1, float fy1) {
-    const double x0 = fx0, y0 = fy0, x1 = fx1, y1 = fy1;
+ResultCode addLineClamped(ScanState* scan, double x0, double y0, double x1, double y1) {
     const int32_t cx0 = clampSixteenths(x0), cy0 = clampSixteenths(y0);
     const int32_t cx1 = clampSixteenths(x1), cy1 = clampSixteenths(y1);
     const bool inside0 = region(x0) == 0 && region(y0) == 0;

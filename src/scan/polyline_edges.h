@@ -25,9 +25,10 @@ struct Polyline {
 ResultCode buildEdges(ScanState* scan, const Polyline* subpaths, int32_t subpathCount,
                       int32_t pathRecords, const ScanFloatBox& clip);
 
-// One float line by the clamping conversion (two or three edges when it
-// leaves the limit box).
-ResultCode addLineClamped(ScanState* scan, float x0, float y0, float x1, float y1);
+// One line by the clamping conversion (two or three edges when it leaves
+// the limit box). Points in pixels; doubles hold float path points and
+// 16.16 points alike exactly.
+ResultCode addLineClamped(ScanState* scan, double x0, double y0, double x1, double y1);
 
 // One float line by the direct conversion (both points inside the fast box).
 ResultCode addLineDirect(ScanState* scan, float x0, float y0, float x1, float y1);

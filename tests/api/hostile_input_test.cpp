@@ -319,10 +319,13 @@ TEST(HostileInput, AbsurdEngineGeometryIsRefusedOrWorks) {
         {10, INT32_MAX - 1, 32767, false},
         {10, 32765, 1, true},
         {10, 32766, 1, false},
-        {10, 40000, 32767, true},
-        {10, (1 << 27) - 2, 32767, true},
+        {10, 40000, 256, true},
+        {10, 32766 * 256 - 1, 256, true}, // the most bands
+        {10, 32766 * 256, 256, false},
+        {10, (1 << 27) - 2, 32767, false}, // bands taller than 256 rows
         {10, (1 << 27) - 1, 32767, false},
-        {1, 1, 32767, true},
+        {1, 1, 256, true},
+        {1, 1, 257, false},
         {10, 10, INT16_MIN, false},
         {INT32_MIN, INT32_MIN, 1, false},
     };
@@ -369,7 +372,7 @@ TEST(HostileInput, BandGroupsMovedFarPastThePageAdmitNothing) {
     // rows leave the page (and wrap in 16 bits); its clip must stay on the page.
     for (uint32_t step : {0u, 1u, 32767u, 65535u, 0x80000000u}) {
         const uint64_t live = KRYNPlatformLiveBlocks();
-        Engine* e = KRYNInit(199, 52, 9055, 300, 0x8009);
+        Engine* e = KRYNInit(199, 52, 256, 300, 0x8009);
         ASSERT_NE(e, nullptr);
         ASSERT_EQ(KRYNNewPage(1, e), KRYN_OK);
         ASSERT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK);

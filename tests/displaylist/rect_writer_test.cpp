@@ -90,7 +90,8 @@ TEST_F(RectWriterTest, SingleEntryBuffersAreWrittenAsRectangles) {
 
 TEST_F(RectWriterTest, RectanglesThatDoNotFitTheirFieldsAreRefused) {
     EXPECT_EQ(writeRect(list_, {0, 0}, 0x10000, 1, res_), KRYN_ERR_INVALID);
-    EXPECT_EQ(writeRect(list_, {0, 0}, 1, 256, res_), KRYN_ERR_INVALID);
+    EXPECT_EQ(writeRect(list_, {1, 0}, 1, 256, res_), KRYN_ERR_INVALID); // past a band's 256 rows
+    EXPECT_EQ(writeRect(list_, {0, 0}, 1, 257, res_), KRYN_ERR_INVALID);
     EXPECT_EQ(writeRect(list_, {0, 0xFFFF}, 2, 1, res_), KRYN_ERR_INVALID);
     EXPECT_TRUE(records().empty());
 }

@@ -2,6 +2,8 @@
 // group moves.
 #include "support/engine_fixture.h"
 
+#include "displaylist/display_list.h"
+
 #include <gtest/gtest.h>
 
 namespace kryn::test {
@@ -46,9 +48,60 @@ TEST_F(NextBandTest, WholePageModeSendsTheRecordedRangeButNeverTheLastBand) {
     EXPECT_EQ(headerBands(log_), (std::vector<uint32_t>{2}));
     EXPECT_EQ(page_->bands[2].list, nullptr);
     EXPECT_EQ(page_->bands[5].list, nullptr);
+    ASSERT_NE(page_->bands[9].list, nullptr); // kept for page close
+    // The range is empty after every flush; it reached the last band, so
+    // the bookkeeping stayed.
+    EXPECT_TRUE(page_->dirty.empty());
+    EXPECT_EQ(engine_->nextBandCount, 0);
+
+    // Nothing is recorded any more: no header chunk, and the numbering
+    // moves on (base 4 x 0, then 4 x 1).
+    log_.calls.clear();
+    ASSERT_EQ(next(4), KRYN_OK);
+    ASSERT_EQ(next(4), KRYN_OK);
+    EXPECT_TRUE(log_.calls.empty());
+    EXPECT_EQ(engine_->nextBandCount, 2);
+    EXPECT_EQ(engine_->resources->bandBase, 4);
     ASSERT_NE(page_->bands[9].list, nullptr);
-    EXPECT_EQ(page_->dirty.first, 9); // still recorded, ended at page close
-    EXPECT_EQ(page_->dirty.last, 9);
+}
+
+// The last band's list outlives the flushes: page close plays it (numbered
+// from the moved base) exactly once, and nothing leaks.
+TEST(NextBandLastBand, PageCloseStillPlaysTheLastBandOnceAndFreesIt) {
+    for (const int16_t mode : {int16_t{5}, int16_t{2}}) {
+        SCOPED_TRACE(mode);
+        const uint64_t liveBefore = KRYNPlatformLiveBlocks();
+        {
+            EnginePtr e = makeEngine(99, 159, 16, 0x8009);
+            ASSERT_EQ(KRYNNewPage(mode, e.get()), KRYN_OK);
+            CallbackLog log;
+            if (mode == 2) {
+                // Open the group that holds the last band.
+                ASSERT_EQ(KRYNNextBand(9, CallbackLog::callback, log.context(), e.get()), KRYN_OK);
+                ASSERT_EQ(KRYNNextBand(2, CallbackLog::callback, log.context(), e.get()), KRYN_OK);
+            }
+            const int32_t identity[6] = {1, 0, 0, 1, 0, 0};
+            ASSERT_EQ(KRYNSetMatrix(identity, e.get()), KRYN_OK);
+            ASSERT_EQ(KRYNRectPath(10, 150, 20, 5, e.get()), KRYN_OK); // band 9 only
+            ASSERT_EQ(KRYNFill(1, e.get()), KRYN_OK);
+            ASSERT_EQ(KRYNNextBand(3, CallbackLog::callback, log.context(), e.get()), KRYN_OK);
+            ASSERT_EQ(KRYNNextBand(3, CallbackLog::callback, log.context(), e.get()), KRYN_OK);
+            const uint16_t base = e->resources->bandBase;
+            if (mode == 5) {
+                // White paint still reaches the recorded last band.
+                const uint32_t bytes = pageOf(e.get())->bands[9].list->serialBytes;
+                ASSERT_EQ(KRYNSetLogicalFunc(0xFF, e.get()), KRYN_OK);
+                ASSERT_EQ(KRYNRectPath(12, 151, 2, 2, e.get()), KRYN_OK);
+                ASSERT_EQ(KRYNFill(1, e.get()), KRYN_OK);
+                EXPECT_GT(pageOf(e.get())->bands[9].list->serialBytes, bytes);
+            }
+            log.calls.clear();
+            ASSERT_EQ(KRYNClosePage(CallbackLog::callback, log.context(), e.get()), KRYN_OK);
+            ASSERT_EQ(log.calls.size(), 1u);
+            EXPECT_EQ(log.calls[0].band, uint16_t(9 - base));
+        }
+        EXPECT_EQ(KRYNPlatformLiveBlocks(), liveBefore);
+    }
 }
 
 TEST_F(NextBandTest, AnEmptyWholePageSendsNothingNotEvenTheHeader) {

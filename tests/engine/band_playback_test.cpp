@@ -4,6 +4,8 @@
 #include "displaylist/display_list.h"
 #include "displaylist/record_walk.h"
 #include "render/band_interpreters.h"
+#include "render/band_renderer.h"
+#include "render/paint_state.h"
 #include "transfer/raster_delivery.h"
 
 #include <gtest/gtest.h>
@@ -113,6 +115,25 @@ TEST_F(PlaybackTest, MonochromeBandsUseTheDirectInterpreterOnCapableDevices) {
     openPage(5, {1}, 0x8007);
     closeAndListBands();
     EXPECT_EQ(log_.calls.at(0).code, CB_RASTER_STANDARD);
+}
+
+// A monochrome band is played by the shared renderer under the grey layout:
+// afterwards the renderer has its colour layout back and nothing it keeps
+// points into memory that is gone.
+TEST(MonochromePlayback, LeavesTheRendererWholeForTheNextBand) {
+    EnginePtr e = makeEngine(99, 47, 16, 0x8009);
+    ASSERT_EQ(KRYNNewPage(9, e.get()), KRYN_OK);
+    const int32_t identity[6] = {1, 0, 0, 1, 0, 0};
+    ASSERT_EQ(KRYNSetMatrix(identity, e.get()), KRYN_OK);
+    ASSERT_EQ(KRYNRectPath(2, 2, 20, 10, e.get()), KRYN_OK);
+    ASSERT_EQ(KRYNFill(1, e.get()), KRYN_OK);
+    CallbackLog log;
+    ASSERT_EQ(KRYNClosePage(CallbackLog::callback, log.context(), e.get()), KRYN_OK);
+    ASSERT_EQ(log.calls.size(), 1u);
+    EXPECT_EQ(log.calls[0].code, CB_RASTER_DIRECT);
+    const BandRenderer* renderer = e->resources->renderer;
+    EXPECT_EQ(renderer->paintState->box, &renderer->box);
+    EXPECT_EQ(renderer->strideWords, rasterStrideBytes(renderer->width, false) / 4);
 }
 
 TEST_F(PlaybackTest, TheExtraBandOfModeThreeIsNotPlayed) {

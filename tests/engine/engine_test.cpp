@@ -19,7 +19,7 @@ TEST(Engine, PageGeometryAddsTheExtraColumnAndRowAndRoundsBandsUp) {
         {1, 1, 1, 2, 2, 2},           {4959, 7015, 128, 4960, 7016, 55},
         {100, 99, 100, 101, 100, 1},  // bands exactly fill the page
         {100, 100, 100, 101, 101, 2}, // one row spills into a second band
-        {10, 10, 32767, 11, 11, 1},   // band taller than the page
+        {10, 10, 256, 11, 11, 1},     // band taller than the page
     };
     for (const Geometry& g : cases) {
         EnginePtr e = makeEngine(g.width, g.height, g.bandHeight);
@@ -42,9 +42,14 @@ TEST(Engine, InitRejectsGeometryItCannotAddressWithoutAllocating) {
     EXPECT_EQ(KRYNInit(INT32_MAX, 10, 10, 600, 0), nullptr); // columns beyond 16 bits
     EXPECT_EQ(KRYNInit(10, INT32_MAX, 10, 600, 0), nullptr);
     EXPECT_EQ(KRYNInit(10, 40000, 1, 600, 0), nullptr); // more bands than indices
+    for (const int16_t rows : {int16_t{257}, int16_t{300}, int16_t{512}, int16_t{32767}}) {
+        EXPECT_EQ(KRYNInit(10, 1000, rows, 600, 0), nullptr) << rows; // record rows are 8-bit
+    }
     EXPECT_EQ(KRYNPlatformAllocCount(), before);
     EnginePtr widest = makeEngine(65535, 10, 16);
     EXPECT_NE(widest, nullptr);
+    EnginePtr tallestBands = makeEngine(10, 1000, 256);
+    EXPECT_NE(tallestBands, nullptr);
 }
 
 TEST(Engine, EveryOperationRejectsANullHandle) {

@@ -19,6 +19,9 @@ struct Chords {
         self->points.emplace_back(to.x / 65536.0, to.y / 65536.0);
         return KRYN_OK;
     }
+    static ResultCode wideSink(void* ctx, WidePoint from, WidePoint to) {
+        return fixedSink(ctx, {int32_t(from.x), int32_t(from.y)}, {int32_t(to.x), int32_t(to.y)});
+    }
     static ResultCode floatSink(void* ctx, FloatPoint from, FloatPoint to) {
         auto* self = static_cast<Chords*>(ctx);
         if (self->points.empty()) {
@@ -128,10 +131,10 @@ TEST(ArcStepTable, PowerFormIsSteppedAlongTheCurve) {
     pc.radius = 100 << 16;
     pc.angle = 0x5A0000;
     Chords chords;
-    FixedPoint end{};
-    ASSERT_EQ(
-        flattenPowerCurve({200 << 16, 100 << 16}, pc, 0x10000, Chords::fixedSink, &chords, &end),
-        KRYN_OK);
+    WidePoint end{};
+    ASSERT_EQ(flattenPowerCurve({200 << 16, 100 << 16}, pc, 0x10000, nullptr, Chords::wideSink,
+                                &chords, &end),
+              KRYN_OK);
     EXPECT_EQ(chords.points.size(), 9u); // 8 chords
     EXPECT_NEAR(end.x / 65536.0, 100.0, 1e-3);
     EXPECT_NEAR(end.y / 65536.0, 200.0, 1e-3);
@@ -139,9 +142,9 @@ TEST(ArcStepTable, PowerFormIsSteppedAlongTheCurve) {
 
     pc.radius = 10000 << 16; // beyond the table: flattened as a Bezier
     Chords bezier;
-    ASSERT_EQ(
-        flattenPowerCurve({200 << 16, 100 << 16}, pc, 0x10000, Chords::fixedSink, &bezier, &end),
-        KRYN_OK);
+    ASSERT_EQ(flattenPowerCurve({200 << 16, 100 << 16}, pc, 0x10000, nullptr, Chords::wideSink,
+                                &bezier, &end),
+              KRYN_OK);
     EXPECT_LE(maxError(c, bezier), 1.0);
 }
 

@@ -85,29 +85,6 @@ TEST(JobPlayer, TheFirstCallMustBeInit) {
     EXPECT_EQ(run.trace, "");
 }
 
-TEST(PageBands, PlacesReverseSideAndBandGroupDeliveries) {
-    PageBands bands;
-    bands.bandCount = 5;
-    bands.newPage(5);
-    bands.reverse = true;
-    EXPECT_EQ(bands.pageBandOf(0), 4u) << "a reverse side is numbered from the bottom";
-    EXPECT_EQ(bands.pageBandOf(4), 0u);
-    bands.newPage(2);
-    EXPECT_FALSE(bands.reverse);
-    bands.nextBand(2); // opens bands 0..1
-    EXPECT_EQ(bands.pageBandOf(1), 1u);
-    bands.nextBand(2); // sends 0..1, opens 2..3
-    EXPECT_EQ(bands.pageBandOf(0), 2u);
-    bands.nextBand(2); // opens 4..5
-    EXPECT_EQ(bands.pageBandOf(0), 4u);
-    bands.newPage(2);
-    bands.bandCount = 4;
-    bands.nextBand(2);
-    bands.nextBand(2); // base 2, group 2..3 ends with the last band
-    bands.nextBand(2); // so the base stays
-    EXPECT_EQ(bands.pageBandOf(1), 3u);
-}
-
 TEST(JobPlayer, AfterLineSeesEachLineWithItsEngineAndCanStopThePlay) {
     uint64_t live = KRYNPlatformLiveBlocks();
     std::ostringstream trace;

@@ -96,7 +96,10 @@ void roundTrip(Engine* e, int count, bool injected) {
         }
     }
     CallbackLog log;
-    ASSERT_EQ(KRYNNextBand(1, CallbackLog::callback, log.context(), e), KRYN_OK);
+    // The bands are sent before the clip is rebuilt, which may run out of
+    // memory on its own.
+    const ResultCode sent = KRYNNextBand(1, CallbackLog::callback, log.context(), e);
+    ASSERT_TRUE(sent == KRYN_OK || (injected && sent == KRYN_ERR_NO_MEMORY)) << sent;
     std::map<uint32_t, std::vector<RecordFields>> received;
     for (const StreamChunk& chunk : decodeChunks(log.calls)) {
         if (chunk.data.size() == 4 && chunk.data[0] == 0x8C) {

@@ -54,26 +54,24 @@ void PageBands::newPage(int32_t pageMode) {
     mode = pageMode;
 }
 
-// Band-group modes move the group base on each KRYNNextBand, unless the
-// group just sent ended with the last band.
 void PageBands::nextBand(uint32_t bandsPerGroup) {
     const bool groups = mode == 1 || mode == 2 || mode == 4 || mode == 6 || mode == 8;
-    if (!groups) {
-        return;
+    // Page mode 3 has one band entry more than the engine has bands.
+    const int32_t pageLastBand = mode == 3 ? bandCount : bandCount - 1;
+    const bool endedOnLastBand = groups && groupLast == pageLastBand;
+    if (!endedOnLastBand) {
+        bandBase = static_cast<uint16_t>(bandsPerGroup * moves);
+        moves = static_cast<uint16_t>(moves + 1);
     }
-    const auto n = static_cast<int32_t>(bandsPerGroup);
-    if (groupLast != bandCount - 1) {
-        bandBase = n * advances;
-        ++advances;
-    }
-    groupLast += n;
+    groupLast = static_cast<int16_t>(int64_t{groupLast} + int64_t{bandsPerGroup});
 }
 
 uint32_t PageBands::pageBandOf(uint32_t band) const {
+    const auto numbered = static_cast<uint16_t>(band + bandBase);
     if (reverse) {
-        return static_cast<uint16_t>(bandCount - 1 - static_cast<int32_t>(band));
+        return static_cast<uint16_t>(bandCount - 1 - numbered);
     }
-    return band + static_cast<uint32_t>(bandBase);
+    return numbered;
 }
 
 JobPlayer::JobPlayer(std::string scriptName, std::string baseDirectory, PlayerOptions options)

@@ -27,14 +27,22 @@ struct RasterDelivery {
 };
 
 // What the player knows of the open page's band numbering, followed from
-// the calls that answered KRYN_OK.
+// the calls that answered KRYN_OK. The engine hands a band to the callback
+// as (its number - base) in 16 bits, where its number counts from the
+// bottom on a reverse side, and every KRYNNextBand(n) moves the base to
+// n x (the moves made so far), unless the range it flushed ended on the
+// page's last band. In band-group modes that range is the open group; in
+// whole-page modes it is the recorded range, which the calls alone do not
+// show: it is taken not to reach the last band. That holds unless the
+// page's last band is drawn into before the last of two or more NextBand
+// calls of a whole-page page (nothing the engine delivers tells then).
 struct PageBands {
     int32_t bandCount = 0; // bands of the engine's page
     int32_t mode = 0;
     bool reverse = false;
-    int32_t bandBase = 0;
-    int32_t groupLast = -1;
-    int32_t advances = 0;
+    uint16_t bandBase = 0;
+    uint16_t moves = 0;     // base moves so far
+    int16_t groupLast = -1; // last band of the open group (band-group modes)
 
     void newPage(int32_t pageMode);
     void nextBand(uint32_t bandsPerGroup);
