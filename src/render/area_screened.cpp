@@ -105,7 +105,35 @@ struct ScreenedPaint {
     using Pixel = typename Pixels::Pixel;
 
     explicit ScreenedPaint(const PaintState& state)
-        : tile(state), mode(state.ropMode), white(Pixels::whiteValue(state)) {}
+        : paintState(state), tile(state), mode(state.ropMode), white(Pixels::whiteValue(state)) {}
+
+    // Pattern copies that do not depend on the destination repeat each tile
+    // row's pixels (Self::expandRow) in every piece of that row. For small
+    // tiles each row is made once per record and kept here.
+    void preparePatterns(bool copies) {
+        patterns = copies && tile.height <= PATTERN_ROWS &&
+                   int64_t{tile.height} * tile.width <= int64_t{PATTERN_PIXELS};
+    }
+    const Pixel* patternRow(int32_t r) {
+        Pixel* row = patternPixels + int64_t{r} * tile.width;
+        if ((built & (1u << r)) == 0) {
+            static_cast<Self&>(*this).expandRow(tile.base + int64_t{r} * tile.rowBytes, row);
+            built |= 1u << r;
+        }
+        return row;
+    }
+    // Precondition: patterns. The n pixels of band row y from column left.
+    void copyPattern(Pixel* at, int32_t n, int32_t y, int32_t left) {
+        const Pixel* row = patternRow(tile.rowIndex(y));
+        const int32_t c = tile.column(left);
+        const int32_t first = std::min(n, tile.width - c);
+        std::memcpy(at, row + c, static_cast<size_t>(first) * sizeof(Pixel));
+        if (n > first) {
+            const int32_t wrapped = std::min(n - first, c);
+            std::memcpy(at + first, row, static_cast<size_t>(wrapped) * sizeof(Pixel));
+        }
+        repeatPeriod(at, n, tile.width);
+    }
 
     void block(const PaintState& state, int32_t left, int32_t top, int32_t right, int32_t bottom) {
         auto& self = static_cast<Self&>(*this);
@@ -145,9 +173,16 @@ struct ScreenedPaint {
         }
     }
 
+    static constexpr int32_t PATTERN_ROWS = 32;
+    static constexpr size_t PATTERN_PIXELS = 2048 / sizeof(Pixel);
+
+    const PaintState& paintState;
     TileView tile;
     RopMode mode;
     Pixel white;
+    bool patterns = false;
+    uint32_t built = 0; // rows of patternPixels made so far
+    Pixel patternPixels[PATTERN_PIXELS];
 };
 
 // 1-bit tile, zero bits in the paint back colour (opaque) or left alone.
@@ -163,7 +198,23 @@ struct BitsPaint : ScreenedPaint<Pixels, BitsPaint<Pixels, OPAQUE>> {
         : Base(state), one(state.colour[SLOT_PAINT]), zero(state.colour[SLOT_PAINT_BACK]),
           oneValue(Pixels::copyValue(state, one)), zeroValue(Pixels::copyValue(state, zero)),
           ropOne(Pixels::rop(state, state.colour[SLOT_IMAGE], one)),
-          ropZero(Pixels::rop(state, state.colour[SLOT_IMAGE], zero)) {}
+          ropZero(Pixels::rop(state, state.colour[SLOT_IMAGE], zero)) {
+        this->preparePatterns(OPAQUE && mode == ROP_MODE_COPY);
+        if (OPAQUE && mode == ROP_MODE_COPY) {
+            const uint32_t ones = static_cast<uint32_t>(oneValue) * 0x01010101u;
+            const uint32_t zeros = static_cast<uint32_t>(zeroValue) * 0x01010101u;
+            for (uint32_t n = 0; n < 16; ++n) {
+                if constexpr (sizeof(Pixel) == 1) {
+                    const uint32_t word = (ones & NIBBLE_MASKS[n]) | (zeros & ~NIBBLE_MASKS[n]);
+                    std::memcpy(nibblePixels[n], &word, 4);
+                } else {
+                    for (uint32_t k = 0; k < 4; ++k) {
+                        nibblePixels[n][k] = ((n >> (3 - k)) & 1u) != 0 ? oneValue : zeroValue;
+                    }
+                }
+            }
+        }
+    }
 
     bool rowsRepeat() const { return OPAQUE && (mode == ROP_MODE_COPY || mode == ROP_MODE_WHITE); }
 
@@ -174,12 +225,13 @@ struct BitsPaint : ScreenedPaint<Pixels, BitsPaint<Pixels, OPAQUE>> {
             Pixels::fill(at, n, white);
             return;
         }
+        if (OPAQUE && mode == ROP_MODE_COPY && this->patterns) {
+            this->copyPattern(at, n, y, left);
+            return;
+        }
         BitCursor bits(tile.row(y), tile.column(left), tile.rowBytes);
         if (OPAQUE && mode == ROP_MODE_COPY) {
-            const int32_t first = std::min(n, tile.width);
-            for (int32_t i = 0; i < first; ++i) {
-                at[i] = bits.next() ? oneValue : zeroValue;
-            }
+            copyPeriod(at, std::min(n, tile.width), bits);
             repeatPeriod(at, n, tile.width);
             return;
         }
@@ -224,6 +276,29 @@ struct BitsPaint : ScreenedPaint<Pixels, BitsPaint<Pixels, OPAQUE>> {
                 }
             }
             break;
+        }
+    }
+
+    void expandRow(const uint8_t* tileRow, Pixel* out) const {
+        BitCursor bits(tileRow, 0, tile.rowBytes);
+        copyPeriod(out, tile.width, bits);
+    }
+
+    // Opaque pattern copy of `count` pixels: whole tile bytes at a time once
+    // the cell is byte aligned, four pixels by nibble (on 8-bit rasters one
+    // 32-bit store).
+    void copyPeriod(Pixel* at, int32_t count, BitCursor& bits) const {
+        for (; count > 0 && bits.mask != 0x80; --count, ++at) {
+            *at = bits.next() ? oneValue : zeroValue;
+        }
+        for (; count >= 8; count -= 8, at += 8) {
+            const uint32_t b = bits.byte;
+            std::memcpy(at, nibblePixels[b >> 4], sizeof nibblePixels[0]);
+            std::memcpy(at + 4, nibblePixels[b & 0x0F], sizeof nibblePixels[0]);
+            bits.nextByte();
+        }
+        for (; count > 0; --count, ++at) {
+            *at = bits.next() ? oneValue : zeroValue;
         }
     }
 
@@ -308,6 +383,7 @@ struct BitsPaint : ScreenedPaint<Pixels, BitsPaint<Pixels, OPAQUE>> {
     Pixel zeroValue;
     typename Pixels::Rop ropOne;
     typename Pixels::Rop ropZero;
+    Pixel nibblePixels[16][4] = {}; // opaque copies: four pixels by cell nibble
 };
 
 // A tile of raster pixels: each pixel's P is the tile's value.
@@ -320,7 +396,15 @@ struct SamplesPaint : ScreenedPaint<Pixels, SamplesPaint<Pixels>> {
     using Base::white;
 
     explicit SamplesPaint(const PaintState& state)
-        : Base(state), rop(Pixels::rop(state, state.colour[SLOT_IMAGE], 0)) {}
+        : Base(state), rop(Pixels::rop(state, state.colour[SLOT_IMAGE], 0)) {
+        this->preparePatterns(mode == ROP_MODE_COPY);
+    }
+
+    void expandRow(const uint8_t* tileRow, Pixel* out) const {
+        for (int32_t c = 0; c < tile.width; ++c) {
+            out[c] = Pixels::copyValue(this->paintState, sample(tileRow, c));
+        }
+    }
 
     bool rowsRepeat() const { return mode == ROP_MODE_COPY || mode == ROP_MODE_WHITE; }
 
@@ -348,6 +432,10 @@ struct SamplesPaint : ScreenedPaint<Pixels, SamplesPaint<Pixels>> {
         const int32_t c = tile.column(left);
         switch (mode) {
         case ROP_MODE_COPY:
+            if (this->patterns) {
+                this->copyPattern(at, n, y, left);
+                break;
+            }
             eachSample(at, std::min(n, tile.width), tileRow, c,
                        [&](Pixel& d, Pixel p) { d = Pixels::copyValue(state, p); });
             repeatPeriod(at, n, tile.width);
