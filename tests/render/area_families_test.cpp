@@ -232,7 +232,10 @@ TEST_F(ScreenedFamilies, EveryPixelIsTheOperationOfTheTileValueAtItsPagePosition
         freeBytes(sc.widened.data);
         sc = RandomScreen{};
         sc.kind = int(rng() % 4);
-        sc.height = 1 + int32_t(rng() % 12);
+        // Mostly small tiles (whose rows the members keep per record), some
+        // too tall or too wide for that.
+        const bool large = rng() % 4 == 0;
+        sc.height = 1 + int32_t(rng() % (large ? 40 : 12));
         std::vector<uint8_t> defined;
         TileDefinition def{};
         if (sc.kind <= 1) {
@@ -246,7 +249,7 @@ TEST_F(ScreenedFamilies, EveryPixelIsTheOperationOfTheTileValueAtItsPagePosition
             ASSERT_EQ(widenBitTile(cell, sc.widened), KRYN_OK);
             def = {sc.widened.data, sc.widened.width, sc.height, 1, 0x0005};
         } else {
-            sc.width = 1 + int32_t(rng() % 12);
+            sc.width = 1 + int32_t(rng() % (large ? 70 : 12));
             sc.depth = rng() % 2 == 0 ? 8 : 24;
             sc.cell.resize(size_t(sc.width * sc.height * (sc.depth == 8 ? 1 : 4)));
             for (uint8_t& b : sc.cell) {
