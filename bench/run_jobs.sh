@@ -2,7 +2,9 @@
 # Whole-job timings: plays the standard benchmark pages with kryn-play and
 # prints, per job, the median wall time of RUNS runs and the peak resident
 # memory. Usage: bench/run_jobs.sh [RUNS] [JOB ...]   (default 5 runs; jobs
-# rects rects-grey polys polys-grey empty empty-grey)
+# rects rects-grey polys polys-grey floor floor-grey empty; NAME-screen and
+# NAME-cluster for rects, rects-grey, polys and polys-grey play the page
+# through a screen)
 set -eu
 cd "$(dirname "$0")/.."
 runs=${1:-5}
@@ -34,6 +36,19 @@ for space in "" "-grey"; do
     done
     echo "ClosePage"
   } >"$floor"
+done
+# Screened pages: the same rectangles and polygons through an opaque 8 x 8
+# one-bit cell set right after the logical function: NAME-screen a 50 %
+# checkerboard (every pixel differs from its neighbours: the worst case for
+# the run marks of 32-bit bands), NAME-cluster a 50 % clustered dot (4 x 4
+# squares).
+for base in rects rects-grey polys polys-grey; do
+  for form in screen:AA55AA55AA55AA55 cluster:F0F0F0F00F0F0F0F; do
+    screened="$pages/$base-${form%%:*}.kjob"
+    [ -f "$screened" ] && continue
+    sed "s/^SetLogicalFunc 0xF0.*/&\\nSetScreen {8 8 1 1 hex:${form#*:}} 1/" \
+      "$pages/$base.kjob" >"$screened"
+  done
 done
 printf '%-14s %10s %12s\n' job "median s" "peak MiB"
 for job in $jobs; do

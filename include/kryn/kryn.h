@@ -325,6 +325,32 @@ KRYN_EXPORT ResultCode KRYNSetLogicalFunc(uint16_t code, Engine* e);
  * painting call reads it. KRYN_ERR_INVALID for a code above 255. */
 KRYN_EXPORT ResultCode KRYNSetLogicalFunc2(uint16_t code, Engine* e);
 
+/* ---- Screens ------------------------------------------------------------ */
+
+/* Makes `tile` the screen of the current graphics state: every later fill,
+ * stroke and dot paints through it, the tile repeated over the page from
+ * its top-left pixel. Depth 1: a halftone cell, rows of (width + 7) / 8
+ * bytes, most significant bit first; one bits paint the colour, zero bits
+ * the background colour when `opaque` is non-zero and nothing otherwise.
+ * Depth 8 (one byte a pixel, grey pages only), 24 (four bytes a pixel,
+ * channels 0, 1, 2 and an unused byte): the pixels themselves are the
+ * pattern, `opaque` is ignored. Depths 124 and 254 need alpha blending on.
+ * Rows are packed: bytesPerRow is only checked to be at least 1. The tile
+ * turns with the current matrix (quarter turns, with any uniform scale, which
+ * is not applied: a cell keeps its size in device pixels). The engine keeps
+ * its own copy, once per distinct tile per page.
+ * A null tile, or one of width 0, returns to solid painting (and stores
+ * `opaque`). Answers, with nothing changed on any error:
+ *  - KRYN_ERR_INVALID: no open page; height outside 1..4096; width outside
+ *    0..4096; bytesPerRow below 1; depth 8 while colour space 0 is
+ *    selected; depth 124 or 254 without alpha blending; any other depth;
+ *    null data; a 1-bit tile whose rows, widened to a multiple of 32 bits
+ *    that the width divides, would exceed 65535 pixels (odd widths above
+ *    2047, after turning).
+ *  - KRYN_ERR_NO_MEMORY: memory runs out; the matrix is not a quarter turn
+ *    times a uniform scale; the page already holds 16383 distinct tiles. */
+KRYN_EXPORT ResultCode KRYNSetScreen(const ScreenTile* tile, uint16_t opaque, Engine* e);
+
 #ifdef __cplusplus
 }
 #endif

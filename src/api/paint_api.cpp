@@ -1,6 +1,7 @@
 // Exported colour and raster-operation setters.
 #include "kryn/kryn.h"
 #include "paint/paint_setters.h"
+#include "paint/set_screen.h"
 
 extern "C" {
 
@@ -19,6 +20,10 @@ KRYN_EXPORT ResultCode KRYNSetLogicalFunc(uint16_t code, Engine* e) {
 
 KRYN_EXPORT ResultCode KRYNSetLogicalFunc2(uint16_t code, Engine* e) {
     return e == nullptr ? KRYN_ERR_INVALID : kryn::setLogicalFunction2(e, code);
+}
+
+KRYN_EXPORT ResultCode KRYNSetScreen(const ScreenTile* tile, uint16_t opaque, Engine* e) {
+    return e == nullptr ? KRYN_ERR_INVALID : kryn::setScreen(e, tile, opaque);
 }
 
 } // extern "C"

@@ -5,6 +5,7 @@
 #include "engine/page_mode.h"
 #include "engine/page_record.h"
 #include "engine/page_resources.h"
+#include "paint/screen_list.h"
 #include "render/band_interpreters.h"
 #include "render/band_renderer.h"
 
@@ -34,6 +35,11 @@ ResultCode playBand(Engine* e, OutputCallback callback, uintptr_t context, uint1
         resources->renderer = createBandRenderer(geometry);
         if (resources->renderer == nullptr) {
             return KRYN_ERR_NO_MEMORY;
+        }
+        // A renderer made here has none of the page's screens yet.
+        const ResultCode r = defineTilesToRenderer(e);
+        if (failed(r)) {
+            return r;
         }
     }
     resources->rendered = 1;

@@ -15,7 +15,7 @@ struct DownloadNode;
 struct GraphicsState;
 struct ImageCache;
 struct PageRecord;
-struct ScreenNode;
+struct TileEntry;
 
 // Marks an unused band-group field.
 inline constexpr uint16_t GROUP_UNSET = 0xFFFF;
@@ -64,8 +64,8 @@ struct Engine {
     kryn::ImageCache* imageCache;
     uint16_t imageCacheSlots;
     uint16_t imageCacheEnabled;
-    kryn::ScreenNode* screenList; // screens defined on the current page
-    kryn::PageSlot* pageSlot;     // the open page; null when none
+    kryn::TileEntry* screenList; // screens defined on the current page
+    kryn::PageSlot* pageSlot;    // the open page; null when none
     uint16_t resolution;
     uint16_t nextBandCount; // band groups completed on the current page
     uint32_t deviceLevel;

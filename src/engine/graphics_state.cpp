@@ -18,7 +18,7 @@ uint16_t screenIdOf(const Engine* e, const ScreenTile& screen) {
     if (screen.data == nullptr) {
         return 0;
     }
-    for (const ScreenNode* node = e->screenList; node != nullptr; node = node->next) {
+    for (const TileEntry* node = e->screenList; node != nullptr; node = node->next) {
         if (node->data == screen.data) {
             return node->screenId;
         }

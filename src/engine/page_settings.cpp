@@ -3,6 +3,7 @@
 #include "engine/device_level.h"
 #include "engine/page_record.h"
 #include "engine/page_resources.h"
+#include "paint/screen_list.h"
 #include "render/band_renderer.h"
 
 namespace kryn {
@@ -24,8 +25,11 @@ ResultCode selectColourSpace(Engine* e, int32_t space) {
     }
     RenderResources* resources = e->resources;
     resources->colourSpace = selector;
-    return preparePageResources(resources, e->pageWidth, e->bandHeight,
-                                static_cast<int32_t>(page->mode));
+    const ResultCode r = preparePageResources(resources, e->pageWidth, e->bandHeight,
+                                              static_cast<int32_t>(page->mode));
+    // The renderer starts its page lists again: the page's screens are
+    // defined to it anew, in the new raster format.
+    return failed(r) ? r : defineTilesToRenderer(e);
 }
 
 void setColourAttributes(Engine* e, uint32_t a, uint32_t b, uint32_t c) {

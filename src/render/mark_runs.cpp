@@ -54,6 +54,16 @@ bool markRow(uint32_t* row, int32_t width, int32_t minX, int32_t maxX) {
     if (inked) {
         uint32_t v = row[head];
         for (;;) {
+            // Screened paint changes colour every pixel or two: a run that
+            // ends at once is closed without the pairwise scan.
+            if (x <= maxX && row[x] != v) {
+                closeRun(row, head, length);
+                head = x;
+                v = row[x];
+                length = 1;
+                ++x;
+                continue;
+            }
             const int32_t next = skipMatching(row, x, maxX, v, 0xFFFFFFFFu);
             length += next - x;
             x = next;

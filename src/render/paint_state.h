@@ -42,8 +42,9 @@ struct PaintState {
     const uint8_t* tileBase;
     int32_t tileWidth;
     int32_t tileHeight;
-    int32_t tileStride; // bytes per tile row (words for 1-bit tiles on 32-bit rasters)
-    int32_t tileKind;
+    int32_t tileStride;   // 1-bit tiles: bytes a row (words on 32-bit rasters); else pixels
+    int32_t tileRowBytes; // bytes from one tile row to the next
+    int32_t tileKind;     // 0 none, 1 one bit a pixel, else one raster pixel a tile pixel
     int32_t screenPhaseX; // always 0
     int32_t screenPhaseY;
 

@@ -1,22 +1,30 @@
 #include "render/render_families.h"
 
+#include "render/area_screened.h"
 #include "render/area_solid.h"
 #include "render/flatten_blocks.h"
+#include "render/raster_pixels.h"
 
 namespace kryn {
 
 namespace {
 
+// The screened members of one geometry: 1-bit transparent zeros, 1-bit
+// opaque zeros, tile samples.
+#define KRYN_SCREENED(Pixels, G)                                                                   \
+    paintScreened<Pixels, SCREEN_BITS_TRANSPARENT, G>,                                             \
+        paintScreened<Pixels, SCREEN_BITS_OPAQUE, G>, paintScreened<Pixels, SCREEN_SAMPLES, G>
+
 // Members by screen: solid, 1-bit transparent zeros, 1-bit opaque zeros,
-// tile samples. Screened members and every image family are still empty;
-// block flattening follows 8-bit (kind 0x20) and 24-bit (kind 0x40) images.
+// tile samples. Every image family is still empty; block flattening
+// follows 8-bit (kind 0x20) and 24-bit (kind 0x40) images.
 const RenderFamilies GREY_FAMILIES = {
     {{
-        {paintSolidRectGrey, nullptr, nullptr, nullptr},
-        {paintSolidRectListGrey, nullptr, nullptr, nullptr},
-        {paintSolidSpanListGrey, nullptr, nullptr, nullptr},
-        {paintSolidRowSpansGrey, nullptr, nullptr, nullptr},
-        {paintSolidColumnRunsGrey, nullptr, nullptr, nullptr},
+        {paintSolidRectGrey, KRYN_SCREENED(GreyPixels, AREA_RECT)},
+        {paintSolidRectListGrey, KRYN_SCREENED(GreyPixels, AREA_RECT_LIST)},
+        {paintSolidSpanListGrey, KRYN_SCREENED(GreyPixels, AREA_SPAN_LIST)},
+        {paintSolidRowSpansGrey, KRYN_SCREENED(GreyPixels, AREA_ROW_SPANS)},
+        {paintSolidColumnRunsGrey, KRYN_SCREENED(GreyPixels, AREA_COLUMN_RUNS)},
     }},
     {},
     {},
@@ -29,11 +37,11 @@ const RenderFamilies GREY_FAMILIES = {
 
 const RenderFamilies COLOUR_FAMILIES = {
     {{
-        {paintSolidRectColour, nullptr, nullptr, nullptr},
-        {paintSolidRectListColour, nullptr, nullptr, nullptr},
-        {paintSolidSpanListColour, nullptr, nullptr, nullptr},
-        {paintSolidRowSpansColour, nullptr, nullptr, nullptr},
-        {paintSolidColumnRunsColour, nullptr, nullptr, nullptr},
+        {paintSolidRectColour, KRYN_SCREENED(ColourPixels, AREA_RECT)},
+        {paintSolidRectListColour, KRYN_SCREENED(ColourPixels, AREA_RECT_LIST)},
+        {paintSolidSpanListColour, KRYN_SCREENED(ColourPixels, AREA_SPAN_LIST)},
+        {paintSolidRowSpansColour, KRYN_SCREENED(ColourPixels, AREA_ROW_SPANS)},
+        {paintSolidColumnRunsColour, KRYN_SCREENED(ColourPixels, AREA_COLUMN_RUNS)},
     }},
     {},
     {},
@@ -43,6 +51,8 @@ const RenderFamilies COLOUR_FAMILIES = {
     nullptr,
     {nullptr, nullptr, nullptr, nullptr, flattenBlocksColour},
 };
+
+#undef KRYN_SCREENED
 
 } // namespace
 

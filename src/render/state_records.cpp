@@ -4,18 +4,22 @@
 #include "render/band_renderer.h"
 #include "render/paint_state.h"
 #include "render/renderer_lists.h"
+#include "render/tile_definitions.h"
 
 namespace kryn {
 
 namespace {
 
 // Screen record: a nonzero id selects the first matching tile (an unknown id
-// changes nothing); zero returns to solid painting.
+// changes nothing); zero returns to solid painting. Tiles are kept in the
+// raster's format, so a sample tile of another pixel size (which no band
+// of this renderer receives) is not selected either.
 void selectScreen(PaintState& state, const BandRenderer& renderer, const uint8_t* r) {
     const uint16_t id = loadU16(r + 4);
     if (id == 0) {
         state.tileBase = nullptr;
         state.tileWidth = state.tileHeight = state.tileStride = state.tileKind = 0;
+        state.tileRowBytes = 0;
         state.screenPhaseY = 0;
         updateScreenMember(state);
         return;
@@ -24,17 +28,24 @@ void selectScreen(PaintState& state, const BandRenderer& renderer, const uint8_t
         if (tile->screenId != id) {
             continue;
         }
-        if (tile->base == nullptr || tile->width <= 0 || tile->height <= 0) {
+        const bool usable = tile->kind == RENDERER_TILE_BITS ||
+                            (tile->kind == RENDERER_TILE_BYTES && state.bitsPerPixel == 8) ||
+                            (tile->kind == RENDERER_TILE_WORDS && state.bitsPerPixel == 32);
+        if (!usable || tile->base == nullptr || tile->width <= 0 || tile->height <= 0) {
             return; // an unusable tile selects nothing
         }
         state.tileBase = tile->base;
         state.tileWidth = tile->width;
         state.tileHeight = tile->height;
         state.tileKind = tile->kind;
-        if (tile->kind == 1) {
-            state.tileStride = state.bitsPerPixel == 8 ? tile->width / 8 : tile->width / 32;
+        if (tile->kind == RENDERER_TILE_BITS) {
+            // Rows of whole 32-bit words.
+            state.tileRowBytes = (tile->width + 31) / 32 * 4;
+            state.tileStride =
+                state.bitsPerPixel == 8 ? state.tileRowBytes : state.tileRowBytes / 4;
         } else {
             state.tileStride = tile->width;
+            state.tileRowBytes = tile->width * state.bytesPerPixel;
         }
         state.screenPhaseY = loadU16(r + 2);
         updateScreenMember(state);

@@ -47,6 +47,21 @@ uint64_t dataBytesB(const DownloadEntryB& e, uint32_t colourSpace, uint16_t& sen
     }
 }
 
+// Bytes the registry holds for a screen of this depth code.
+uint64_t storedBytesB(const DownloadEntryB& e) {
+    const uint64_t pixels = uint64_t{e.width} * e.height;
+    switch (e.spare) {
+    case 1:
+        return pixels / 8;
+    case 8:
+        return pixels;
+    case 254:
+        return pixels * 2;
+    default:
+        return pixels * 4;
+    }
+}
+
 void putData(OutputStream& s, const uint8_t* data, uint64_t n) {
     if (data == nullptr) {
         putZeros(s, n);
@@ -83,7 +98,18 @@ void sendEntry(OutputStream& s, DownloadEntryB& e, RenderResources* resources) {
         putU32(s, uint32_t{0xA2} << 24 | uint32_t{e.width & 0xFFu} << 16 | e.height);
         putU32(s, uint32_t{e.flags} << 16 | f);
     }
-    putData(s, e.data, bytes);
+    const uint64_t stored = storedBytesB(e);
+    if (sentClass == CLASS_GREY && (e.spare == 24 || e.spare == 124) && e.data != nullptr) {
+        // A colour screen on a grey device: one byte a pixel, channel 0.
+        for (uint64_t i = 0; i < bytes; ++i) {
+            putByte(s, i * 4 < stored ? e.data[i * 4] : 0);
+        }
+        putZeros(s, roundUp4(bytes) - bytes);
+        return;
+    }
+    const uint64_t present = bytes < stored ? bytes : stored;
+    putData(s, e.data, present);
+    putZeros(s, roundUp4(bytes) - roundUp4(present));
 }
 
 void sendEntry(OutputStream& s, DownloadEntryC& e, RenderResources*) {
@@ -151,6 +177,39 @@ void sendDownloadTables(OutputStream& stream, RenderResources* resources) {
     sendTable<DownloadEntryA>(stream, resources->downloadA, resources->downloadABytes, resources);
     sendTable<DownloadEntryB>(stream, resources->downloadB, resources->downloadBBytes, resources);
     sendTable<DownloadEntryC>(stream, resources->downloadC, resources->downloadCBytes, resources);
+}
+
+ResultCode addScreenDownload(RenderResources* resources, const DownloadEntryB& entry) {
+    auto* node =
+        static_cast<DownloadNode*>(allocBytes(sizeof(DownloadNode) + sizeof(DownloadEntryB)));
+    if (node == nullptr) {
+        return KRYN_ERR_NO_MEMORY;
+    }
+    node->next = nullptr;
+    node->count = 1;
+    *entriesOf<DownloadEntryB>(node) = entry;
+    DownloadNode** tail = &resources->downloadB;
+    while (*tail != nullptr) {
+        tail = &(*tail)->next;
+    }
+    *tail = node;
+    resources->downloadBBytes += downloadEntryBytes(entry, resources->colourSpace);
+    return KRYN_OK;
+}
+
+void dropScreenDownloads(RenderResources* resources) {
+    freeTable<DownloadEntryB>(resources->downloadB, resources->downloadBBytes);
+}
+
+void recountScreenDownloads(RenderResources* resources) {
+    uint32_t bytes = 0;
+    for (DownloadNode* node = resources->downloadB; node != nullptr; node = node->next) {
+        const DownloadEntryB* entries = entriesOf<DownloadEntryB>(node);
+        for (int32_t i = 0; i < node->count; ++i) {
+            bytes += downloadEntryBytes(entries[i], resources->colourSpace);
+        }
+    }
+    resources->downloadBBytes = bytes;
 }
 
 void freeDownloadTables(RenderResources* resources) {

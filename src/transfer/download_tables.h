@@ -5,6 +5,8 @@
 // the serialised size of all its entries.
 #pragma once
 
+#include "engine/result_codes.h"
+
 #include <cstdint>
 
 namespace kryn {
@@ -28,7 +30,10 @@ struct DownloadEntryA {
     uint8_t* data;
 };
 
-// Table B: screens; flags bits 14-15 give the class. The data is the caller's.
+// Table B: screens. The flags are the tile's screen identifier, whose bits
+// 14-15 give the class. The data is the tile registry's; `spare` holds the
+// tile's depth code, which says how many bytes the data really has (the
+// device form of a class may ask for more; the rest is sent as zeros).
 struct DownloadEntryB {
     uint16_t width;
     uint16_t height;
@@ -57,6 +62,18 @@ uint32_t downloadEntryBytes(const DownloadEntryC& e);
 // Sends every table whose byte count is not 0 (A, B, then C) and empties it.
 // The caller has begun the chunk and ends it.
 void sendDownloadTables(OutputStream& stream, RenderResources* resources);
+
+// Appends a registered screen tile to table B (one node) and counts its
+// bytes. KRYN_ERR_NO_MEMORY leaves the table unchanged.
+ResultCode addScreenDownload(RenderResources* resources, const DownloadEntryB& entry);
+
+// Frees table B without sending it: its entries point into the tile
+// registry, which is emptied at page end.
+void dropScreenDownloads(RenderResources* resources);
+
+// Counts table B's bytes again for the current colour space (the form of
+// colour screens depends on it).
+void recountScreenDownloads(RenderResources* resources);
 
 // Frees every node of the three tables, with what their entries own, and
 // clears their byte counts.

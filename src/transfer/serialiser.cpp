@@ -41,6 +41,9 @@ ResultCode serialiseBand(OutputCallback callback, uintptr_t context, uint16_t ba
     stream.callback = callback;
     stream.context = context;
 
+    // Screens were counted in the colour space of their page when they were
+    // set; the space may have changed since.
+    recountScreenDownloads(resources);
     const uint32_t tables =
         resources->downloadBBytes + resources->downloadCBytes + resources->downloadABytes;
     if (tables != 0) {

@@ -64,14 +64,24 @@ const std::vector<double> HOSTILE_REALS = {0.0,
                                            std::numeric_limits<double>::quiet_NaN(),
                                            65536.0};
 
+// Screen tiles read their pixels from this buffer, large enough for any
+// tile that passes the checks with one field at an extreme and the others
+// ordinary.
+const std::vector<uint8_t>& tilePixels() {
+    static const std::vector<uint8_t> pixels(4096 * 8 * 4, 0x5A);
+    return pixels;
+}
+
 // A frame whose every argument is an ordinary value: scalars 1 (reals 1.0),
-// arrays of 10s long enough for what the call reads, one-value pointers 0.
+// arrays of 10s long enough for what the call reads, one-value pointers 0,
+// screen tiles an 8 x 8 one-bit cell.
 CallFrame ordinaryFrame(const OperationEntry& op) {
     CallFrame f;
     f.args.resize(op.params.size());
     for (size_t i = 0; i < op.params.size(); ++i) {
         f.args[i].integer = op.params[i].type == ParamType::OneU32 ? 0 : 1;
         f.args[i].real = 1.0;
+        f.args[i].tile = ScreenTile{tilePixels().data(), 8, 8, 1, 1};
     }
     return f;
 }
@@ -100,12 +110,45 @@ struct Case {
     bool nullPointer = false;
 };
 
+// Screen tiles with one field at a time at an extreme, and with null data.
+void addScreenCases(const std::string& where, const OperationEntry& op, size_t p,
+                    std::vector<Case>& cases) {
+    const std::vector<int64_t> sizes = {0, -1, 1, 4096, 4097, I32_MIN, I32_MAX};
+    const auto add = [&](const std::string& what, auto change) {
+        Case c{where + " " + what, ordinaryFrame(op)};
+        change(c.frame.args[p].tile);
+        cases.push_back(std::move(c));
+    };
+    for (int64_t v : sizes) {
+        const auto i = static_cast<int32_t>(v);
+        add("width " + std::to_string(v), [i](ScreenTile& t) { t.width = i; });
+        add("height " + std::to_string(v), [i](ScreenTile& t) { t.height = i; });
+        add("bytesPerRow " + std::to_string(v), [i](ScreenTile& t) { t.bytesPerRow = i; });
+    }
+    for (int depth : {0, 1, 8, 24, 124, 254, 255}) {
+        add("depth " + std::to_string(depth),
+            [depth](ScreenTile& t) { t.depth = static_cast<uint8_t>(depth); });
+        add("wide depth " + std::to_string(depth), [depth](ScreenTile& t) {
+            t.depth = static_cast<uint8_t>(depth);
+            t.width = 4096;
+        });
+    }
+    add("null data", [](ScreenTile& t) { t.data = nullptr; });
+    Case none{where + " = null", ordinaryFrame(op)}; // no tile: solid paint, KRYN_OK
+    none.frame.args[p].isNull = true;
+    cases.push_back(std::move(none));
+}
+
 // Each argument of op in turn made hostile while the others stay ordinary.
 std::vector<Case> hostileCases(const OperationEntry& op) {
     std::vector<Case> cases;
     for (size_t p = 0; p < op.params.size(); ++p) {
         const ParamType t = op.params[p].type;
         const std::string where = std::string(op.name) + " arg " + std::to_string(p);
+        if (t == ParamType::Screen) {
+            addScreenCases(where, op, p, cases);
+            continue;
+        }
         if (t == ParamType::F32) {
             for (double v : HOSTILE_REALS) {
                 Case c{where + " = " + std::to_string(v), ordinaryFrame(op)};

@@ -3,6 +3,7 @@
 #include "kryn/platform.h"
 #include "script_error.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -155,6 +156,23 @@ void bindImage(BoundArg& arg, const Value& v) {
     arg.bytes = field(v, 4).bytes;
 }
 
+// Bytes of one packed row of a screen tile, as the engine reads it.
+int64_t packedTileRowBytes(int64_t width, uint8_t depth) {
+    if (width <= 0) {
+        return 0;
+    }
+    switch (depth) {
+    case 1:
+        return (width + 7) / 8;
+    case 8:
+        return width;
+    case 254:
+        return width * 2;
+    default:
+        return width * 4;
+    }
+}
+
 void bindScreen(BoundArg& arg, const Value& v) {
     if (v.kind == Value::Kind::Null) {
         arg.isNull = true;
@@ -270,8 +288,11 @@ void padArgument(BoundArg& arg, const Parameter& param, const CallFrame& frame, 
               maxBytes);
         break;
     case ParamType::Screen:
+        // The engine reads packed rows whatever bytesPerRow says.
         padTo(arg.bytes,
-              checkedProduct(std::abs(int64_t{arg.tile.bytesPerRow}), arg.tile.height, maxBytes),
+              checkedProduct(std::max(std::abs(int64_t{arg.tile.bytesPerRow}),
+                                      packedTileRowBytes(arg.tile.width, arg.tile.depth)),
+                             arg.tile.height, maxBytes),
               maxBytes);
         arg.tile.data = arg.bytes.data();
         break;

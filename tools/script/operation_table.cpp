@@ -15,6 +15,7 @@ const Parameter U32{ParamType::U32};
 const Parameter F32{ParamType::F32};
 const Parameter COLOUR{ParamType::OneU32};
 const Parameter OUT{ParamType::Output};
+const Parameter SCREEN{ParamType::Screen};
 
 Parameter arrayI32(int n) {
     return {ParamType::ArrayI32, {n}};
@@ -169,6 +170,9 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
     {"SetScale",
      {F32},
      [](Engine* e, CallFrame& f) { return KRYNSetScale(f.scalar<float>(0), e); }},
+    {"SetScreen",
+     {SCREEN, U16},
+     [](Engine* e, CallFrame& f) { return KRYNSetScreen(f.tile(0), f.scalar<uint16_t>(1), e); }},
     {"SetTranslation",
      {I32, I32},
      [](Engine* e,
