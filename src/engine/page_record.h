@@ -86,12 +86,13 @@ struct PageRecord {
     int32_t pageQuarterTurns = -1; // orientation; -1 until established
     uint32_t colourSpace = 0;
     uint16_t reverseOrder = 0;
-    PathPool pathPool;               // every subpath and segment of the page's paths
-    ScanState scan;                  // edges, events and buffers of scan conversion
-    uint16_t paintNotWhite = 1;      // 0: white paint, bands without a list are skipped
-    BandRange pendingRuns;           // bands whose run buffers await writing
-    PenCircle* penCircles = nullptr; // round pens of the page's strokes, newest first
-    BandEntry* bands = nullptr;      // bandCount entries, in the same allocation
+    PathPool pathPool;          // every subpath and segment of the page's paths
+    ScanState scan;             // edges, events and buffers of scan conversion
+    uint16_t paintNotWhite = 1; // 0: white paint, bands without a list are skipped
+    BandRange pendingRuns;      // bands whose run buffers await writing
+    BandEntry* bands = nullptr; // bandCount entries, in the same allocation
+    // Round pens of the page's strokes, newest first.
+    PenCircle* penCircles = nullptr;
 };
 
 // Allocates and initialises a page for an engine, bands included, and
