@@ -22,6 +22,14 @@ double fix16(double v) {
     return std::trunc(v * 65536.0) / 65536.0;
 }
 
+// Offsets are cut to whole sixteenths toward zero on both routes, so that
+// the two corners p + n and p - n stay symmetric around p once cut to the
+// sixteenths of scan conversion: pieces meeting at a point then share their
+// edges exactly, and no sample where they meet is lost between them.
+double sixteenths(double v) {
+    return std::trunc(v * 16.0) / 16.0;
+}
+
 double sign(double v) {
     return v < 0 ? -1.0 : 1.0;
 }
@@ -72,39 +80,32 @@ ResultCode emitBevel(const PieceSink& sink, StrokePoint j, StrokePoint outerA, S
     return emitPolygon(sink, triangle, 3, fixed);
 }
 
-// Offsets cut to whole eighths of a pixel toward zero.
-StrokePoint eighths(StrokePoint v) {
-    return {std::trunc(v.x * 8.0) / 8.0, std::trunc(v.y * 8.0) / 8.0};
-}
-
-ResultCode emitMiter(const StrokeStyle& style, const PieceSink& sink, StrokePoint j,
-                     StrokePoint outerA, StrokePoint outerB, StrokePoint va, StrokePoint vb,
-                     bool fixed) {
-    va = eighths(va);
-    vb = eighths(vb);
-    if ((va.x == 0 && va.y == 0) || (vb.x == 0 && vb.y == 0)) {
-        return KRYN_OK;
+// The miter tip is where the outer edges of the two bodies meet, which
+// closes the notch between them exactly under every transformation; its
+// distance from the corner, measured in user space (where the pen is a
+// circle), decides between the miter and the bevel.
+ResultCode emitMiter(const StrokeStyle& style, const PieceSink& sink, const StrokeLine& a,
+                     const StrokeLine& b, StrokePoint outerA, StrokePoint outerB, bool fixed) {
+    const StrokePoint j = b.p;
+    const double cross = a.d.x * b.d.y - a.d.y * b.d.x;
+    const double u = ((outerB.x - outerA.x) * b.d.y - (outerB.y - outerA.y) * b.d.x) / cross;
+    StrokePoint tip = add(outerA, times(a.d, u));
+    // Nearly straight joins put the tip within rounding of the bevel's
+    // outer side (or, with offsets cut to sixteenths, behind it): the bevel
+    // alone closes such a notch.
+    const double beyond =
+        (outerB.x - outerA.x) * (tip.y - outerA.y) - (outerB.y - outerA.y) * (tip.x - outerA.x);
+    const double inner =
+        (outerB.x - outerA.x) * (j.y - outerA.y) - (outerB.y - outerA.y) * (j.x - outerA.x);
+    if (!(beyond * inner < 0) || !std::isfinite(u)) {
+        return emitBevel(sink, j, outerA, outerB, fixed);
     }
-    // Both offsets in user space, where the pen is a circle: the tip lies on
-    // both offset lines, along the bisector on the outer side.
     const float* inv = style.transform->inverse;
-    const double x1 = inv[0] * va.x + inv[2] * va.y, y1 = inv[1] * va.x + inv[3] * va.y;
-    const double x2 = inv[0] * vb.x + inv[2] * vb.y, y2 = inv[1] * vb.x + inv[3] * vb.y;
-    double t = 0;
-    if (y1 + y2 != 0) {
-        t = (x1 - x2) / (y1 + y2);
-    } else if (x1 + x2 != 0) {
-        t = (y2 - y1) / (x1 + x2);
-    } else {
-        return KRYN_OK;
-    }
-    const double mx = x1 - t * y1;
-    const double my = t * x1 + y1;
+    const double mx = inv[0] * (tip.x - j.x) + inv[2] * (tip.y - j.y);
+    const double my = inv[1] * (tip.x - j.x) + inv[3] * (tip.y - j.y);
     if (!(std::hypot(mx, my) <= style.miterLength)) {
         return emitBevel(sink, j, outerA, outerB, fixed);
     }
-    const Transform& m = *style.transform;
-    StrokePoint tip{j.x + m.a * mx + m.c * my, j.y + m.b * mx + m.d * my};
     if (fixed) {
         tip = {fix16(tip.x), fix16(tip.y)};
     }
@@ -154,7 +155,7 @@ ResultCode emitArcJoin(const StrokeStyle& style, const PieceSink& sink, StrokePo
 
 } // namespace
 
-StrokePoint offsetVector(const StrokeStyle& style, double dx, double dy, bool fixed) {
+StrokePoint offsetVector(const StrokeStyle& style, double dx, double dy) {
     StrokePoint n;
     const Transform& t = *style.transform;
     const double w = style.halfWidth;
@@ -172,10 +173,7 @@ StrokePoint offsetVector(const StrokeStyle& style, double dx, double dy, bool fi
     if (t.orientation < 0) {
         n = {-n.x, -n.y};
     }
-    if (fixed) {
-        n = {fix16(n.x), fix16(n.y)};
-    }
-    return n;
+    return {sixteenths(n.x), sixteenths(n.y)};
 }
 
 double userLength(const Transform& t, double dx, double dy) {
@@ -186,12 +184,12 @@ double userLength(const Transform& t, double dx, double dy) {
     return std::sqrt(std::fmax(q, 0.0)) / std::fabs(static_cast<double>(t.det));
 }
 
-StrokeLine makeStrokeLine(const StrokeStyle& style, StrokePoint p, StrokePoint q, bool fixed) {
+StrokeLine makeStrokeLine(const StrokeStyle& style, StrokePoint p, StrokePoint q) {
     StrokeLine line;
     line.p = p;
     line.q = q;
     line.d = sub(q, p);
-    line.n = offsetVector(style, line.d.x, line.d.y, fixed);
+    line.n = offsetVector(style, line.d.x, line.d.y);
     line.userLength = userLength(*style.transform, line.d.x, line.d.y);
     line.deviceLength = std::hypot(line.d.x, line.d.y);
     return line;
@@ -228,9 +226,7 @@ ResultCode emitCap(const StrokeStyle& style, const PieceSink& sink, const Stroke
     // Square: a further half-width along the line, the pen's reach in user
     // units mapped to the device.
     StrokePoint e = times(line.d, style.halfWidth / line.userLength);
-    if (fixed) {
-        e = {fix16(e.x), fix16(e.y)};
-    }
+    e = {sixteenths(e.x), sixteenths(e.y)};
     if (start) {
         e = {-e.x, -e.y};
     }
@@ -260,7 +256,7 @@ ResultCode emitJoin(const StrokeStyle& style, const PieceSink& sink, const Strok
     case STROKE_JOIN_BEVEL:
         return emitBevel(sink, j, outerA, outerB, fixed);
     case STROKE_JOIN_MITER:
-        return emitMiter(style, sink, j, outerA, outerB, va, vb, fixed);
+        return emitMiter(style, sink, a, b, outerA, outerB, fixed);
     default: // round
         if (style.pen == nullptr) {
             return KRYN_OK;

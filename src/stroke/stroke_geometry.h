@@ -24,8 +24,7 @@ struct StrokeStyle {
     int32_t flatnessFixed = 0x10000;
 };
 
-// A line being stroked, from p to q in device pixels. On the fixed route
-// the offset is truncated to 16.16, so that every corner is a 16.16 point.
+// A line being stroked, from p to q in device pixels.
 struct StrokeLine {
     StrokePoint p, q;
     StrokePoint d; // q - p
@@ -34,13 +33,14 @@ struct StrokeLine {
     double deviceLength = 0;
 };
 
-// The offset vector for the device direction (dx, dy).
-StrokePoint offsetVector(const StrokeStyle& style, double dx, double dy, bool fixed);
+// The offset vector for the device direction (dx, dy), in whole sixteenths
+// of a pixel.
+StrokePoint offsetVector(const StrokeStyle& style, double dx, double dy);
 
 // Length in user units of the device vector (dx, dy).
 double userLength(const Transform& t, double dx, double dy);
 
-StrokeLine makeStrokeLine(const StrokeStyle& style, StrokePoint p, StrokePoint q, bool fixed);
+StrokeLine makeStrokeLine(const StrokeStyle& style, StrokePoint p, StrokePoint q);
 
 // The point `s` user units along the line from p (truncated to 16.16 on the
 // fixed route); s = userLength gives q exactly.

@@ -102,7 +102,7 @@ class Stroker {
         if (q.x == cur_.x && q.y == cur_.y) {
             return KRYN_OK;
         }
-        const StrokeLine l = makeStrokeLine(style_, cur_, q, fixed_);
+        const StrokeLine l = makeStrokeLine(style_, cur_, q);
         cur_ = q;
         if (!std::isfinite(l.userLength) || !(l.userLength > 0) || !std::isfinite(l.deviceLength)) {
             return KRYN_OK; // no place on the device, or no length in user space

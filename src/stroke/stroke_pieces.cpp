@@ -64,7 +64,10 @@ ResultCode sweepPolygon(const PieceScan& t, const StrokePoint* p, int32_t count,
         releaseEdges(t.scan);
         return r;
     }
-    return scanConvertStroke(t.scan, *t.clip, SCAN_MODE_PAINT, t.recorder);
+    // The full sweep (crossing events, non-zero rule): a join or a body cut
+    // to sixteenths or rounded to float may come out as a sliver whose sides
+    // cross, and must still paint exactly its own pixels.
+    return scanConvert(t.scan, FILL_NONZERO, *t.clip, SCAN_MODE_PAINT, t.recorder);
 }
 
 ResultCode scanPolygon(void* ctx, const StrokePoint* p, int32_t count, bool quad, bool fixed) {
@@ -206,11 +209,16 @@ ResultCode stampDisc(const PieceScan& t, int32_t x, int32_t y, const PenCircle& 
         return sweepDisc(t, x, y, pen);
     }
     if (clip != nullptr) {
-        const IntBox& c = clip->intBox;
-        limits.minX = std::max<int64_t>(limits.minX, ceilDiv64(c.minX, 16));
-        limits.maxX = std::min<int64_t>(limits.maxX, floorDiv64(c.maxX, 16));
-        limits.minY = std::max<int64_t>(limits.minY, ceilDiv64(c.minY, 16));
-        limits.maxY = std::min<int64_t>(limits.maxY, floorDiv64(c.maxY, 16));
+        // The rectangle's own rows and columns, by the orientation's rules.
+        const Trapezoid& r = *clip->activeList;
+        const int32_t q = t.scan->quarterTurns;
+        int64_t first = 0;
+        int64_t last = -1;
+        rowsOfRange(r.yTop, r.yBottom, q, &first, &last);
+        limits.minY = std::max(limits.minY, first);
+        limits.maxY = std::min(limits.maxY, last);
+        limits.minX = std::max({limits.minX, columnAt(*r.leftEdge, 0, q), r.minColumn});
+        limits.maxX = std::min({limits.maxX, columnAt(*r.rightEdge, 0, q) - 1, r.maxColumn});
     }
     return cutDisc(t, x, y, pen, limits);
 }
