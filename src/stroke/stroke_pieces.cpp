@@ -2,6 +2,7 @@
 
 #include "geometry/saturate.h"
 #include "scan/edge_rows.h"
+#include "scan/emit_trapezoid.h"
 #include "scan/fill_quad.h"
 #include "scan/polyline_edges.h"
 #include "scan/scan_convert.h"
@@ -140,29 +141,42 @@ ResultCode cutDisc(const PieceScan& t, int64_t cx, int64_t cy, const PenCircle& 
     return KRYN_OK;
 }
 
-// The disc's polygon through the sweep, which clips it to the region.
-ResultCode sweepDisc(const PieceScan& t, int32_t cx, int32_t cy, const PenCircle& pen) {
-    setTableMode(&t.scan->table, 2 * pen.rowCount);
+// The disc clipped to a region: one trapezoid per pair of table rows that
+// holds a sample row, each intersected with the region. The polygon is
+// monotone in y, so its pixels are exactly those of these trapezoids.
+ResultCode clipDisc(const PieceScan& t, int32_t cx, int32_t cy, const PenCircle& pen) {
+    ScanTarget target;
+    target.mode = SCAN_MODE_PAINT;
+    target.clip = t.clip;
+    target.recorder = t.recorder;
+    const int32_t q = t.scan->quarterTurns;
     ResultCode r = KRYN_OK;
-    const int32_t n = pen.rowCount;
-    auto vertex = [&](int32_t k, int32_t* x, int32_t* y) { // k in 0..2n-1, around the disc
-        const bool left = k < n;
-        const PenRow& row = pen.rows[left ? k : 2 * n - 1 - k];
-        *x = left ? cx - row.extent : cx + row.extent;
-        *y = cy + row.offset;
-    };
-    for (int32_t k = 0; k < 2 * n && !failed(r); ++k) {
-        int32_t x0, y0, x1, y1;
-        vertex(k, &x0, &y0);
-        vertex((k + 1) % (2 * n), &x1, &y1);
-        r = addEdge(t.scan, x0, y0, x1, y1);
-    }
-    closeEdgeChain(t.scan);
-    if (failed(r)) {
+    for (int32_t i = 0; i + 1 < pen.rowCount && !failed(r); ++i) {
+        const PenRow& a = pen.rows[i];
+        const PenRow& b = pen.rows[i + 1];
+        int64_t first = 0;
+        int64_t last = -1;
+        rowsOfRange(cy + a.offset, cy + b.offset, q, &first, &last);
+        if (first > last) {
+            continue;
+        }
+        Edge* left = makeEdge(t.scan, cx - a.extent, cy + a.offset, cx - b.extent, cy + b.offset);
+        Edge* right = left == nullptr ? nullptr
+                                      : makeEdge(t.scan, cx + a.extent, cy + a.offset,
+                                                 cx + b.extent, cy + b.offset);
+        if (right == nullptr) {
+            r = KRYN_ERR_NO_MEMORY;
+        } else {
+            Trapezoid piece;
+            piece.yTop = cy + a.offset;
+            piece.yBottom = cy + b.offset;
+            piece.leftEdge = left;
+            piece.rightEdge = right;
+            r = emitTrapezoid(t.scan, piece, target);
+        }
         releaseEdges(t.scan);
-        return r;
     }
-    return scanConvertStroke(t.scan, *t.clip, SCAN_MODE_PAINT, t.recorder);
+    return r;
 }
 
 } // namespace
@@ -206,7 +220,7 @@ ResultCode stampDisc(const PieceScan& t, int32_t x, int32_t y, const PenCircle& 
     const RasterBounds& b = t.recorder->bounds;
     PixelLimits limits{b.minX, b.maxX, b.minY, b.maxY};
     if (clip != nullptr && clip->isRect == 0) {
-        return sweepDisc(t, x, y, pen);
+        return clipDisc(t, x, y, pen);
     }
     if (clip != nullptr) {
         // The rectangle's own rows and columns, by the orientation's rules.

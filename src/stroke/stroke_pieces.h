@@ -48,7 +48,7 @@ bool discCentre(StrokePoint centre, bool fixed, int32_t* x, int32_t* y);
 
 // Stamps the pen's disc at (x, y) in sixteenths: rows whose sample line
 // crosses the disc's polygon are cut into spans directly inside a
-// rectangular clip, or through the sweep and the clip region otherwise.
+// rectangular clip, or as trapezoids intersected with the region otherwise.
 ResultCode stampDisc(const PieceScan& target, int32_t x, int32_t y, const PenCircle& pen);
 
 } // namespace kryn

@@ -93,21 +93,28 @@ struct Ideal {
     std::vector<P2> outerDiscs; // may be painted (short round joins), never required
     double w = 0;
 
-    // < 0 inside by that much, > 0 outside by that much (approximately).
-    double distance(P2 s, bool withOuter) const {
+    // Signed distance to the stroke (< 0 inside); pieces more than two
+    // pixels away are passed over (they cannot change either verdict).
+    void distances(P2 s, double* required, double* allowed) const {
         double d = 1e300;
         for (const auto& p : polygons) {
-            d = std::fmin(d, convexDistance(p, s));
+            double minX = 1e300, maxX = -1e300, minY = 1e300, maxY = -1e300;
+            for (const P2& q : p) {
+                minX = std::fmin(minX, q.x), maxX = std::fmax(maxX, q.x);
+                minY = std::fmin(minY, q.y), maxY = std::fmax(maxY, q.y);
+            }
+            if (s.x >= minX - 2 && s.x <= maxX + 2 && s.y >= minY - 2 && s.y <= maxY + 2) {
+                d = std::fmin(d, convexDistance(p, s));
+            }
         }
         for (const P2& c : discs) {
             d = std::fmin(d, std::hypot(s.x - c.x, s.y - c.y) - w);
         }
-        if (withOuter) {
-            for (const P2& c : outerDiscs) {
-                d = std::fmin(d, std::hypot(s.x - c.x, s.y - c.y) - w);
-            }
+        *required = d;
+        for (const P2& c : outerDiscs) {
+            d = std::fmin(d, std::hypot(s.x - c.x, s.y - c.y) - w);
         }
-        return d;
+        *allowed = d;
     }
 };
 
@@ -265,6 +272,7 @@ TEST(StrokeEngine, RandomStrokesMatchTheirPiecesAndTheIdealStroke) {
                 c.dash.push_back(1 + int32_t(rng() % 6));
             }
             c.phase = rng() % 30;
+            c.width = std::min(c.width, 8); // many round caps: keep the reference's discs small
         }
         const bool merged = n % 3 != 2;
         ASSERT_EQ(KRYNSetLogicalFunc(merged ? 0x5A : 0xA8, eng), KRYN_OK);
@@ -366,8 +374,10 @@ TEST(StrokeEngine, RandomStrokesMatchTheirPiecesAndTheIdealStroke) {
                     continue;
                 }
                 const P2 s{double(x), double(y)};
-                const bool surelyIn = ideal.distance(s, false) < -1.0;
-                const bool surelyOut = ideal.distance(s, true) > 1.0;
+                double required = 0, allowed = 0;
+                ideal.distances(s, &required, &allowed);
+                const bool surelyIn = required < -1.0;
+                const bool surelyOut = allowed > 1.0;
                 ASSERT_FALSE(surelyIn && got.counts[i] == 0)
                     << "case " << n << ": pixel " << x << "," << y << " missing";
                 ASSERT_FALSE(surelyOut && got.counts[i] != 0)
