@@ -279,8 +279,10 @@ KRYN_EXPORT ResultCode KRYNSetMiterLimit(int32_t limit, Engine* e);
  * into the pattern; every subpath of every stroke starts there. count 0
  * makes the line solid. KRYN_ERR_INVALID (pattern unchanged) for a null
  * array with count > 0, no entry above 0, or entries summing to 0 or less
- * (negative and zero entries are otherwise allowed). A stroke walks at most
- * 2^20 entries; past them the rest of that stroke is drawn solid. */
+ * (negative and zero entries are otherwise allowed). One stroke's dashes
+ * are limited to about 2^23 pixel rows in all (each pattern entry walked
+ * counts one): past that the rest of that stroke is drawn solid, so that a
+ * pattern far below the device's resolution cannot take unbounded time. */
 KRYN_EXPORT ResultCode KRYNSetLineDash(const int32_t* entries, uint16_t count, uint32_t phase,
                                        Engine* e);
 

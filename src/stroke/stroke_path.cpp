@@ -2,6 +2,7 @@
 
 #include "geometry/flatten.h"
 #include "geometry/path.h"
+#include "geometry/saturate.h"
 #include "stroke/line_style.h"
 #include "stroke/stroke_geometry.h"
 
@@ -125,6 +126,10 @@ class Stroker {
     ResultCode dash(const StrokeLine& l, double from, double to, bool startCap, bool endCap) {
         const StrokePoint a = pointAlong(l, from, fixed_);
         const StrokePoint b = pointAlong(l, to, fixed_);
+        if (!solid_) {
+            const double rows = std::fabs(b.y - a.y) + 2.0 * reach_;
+            budget_ -= 1 + static_cast<int64_t>(std::fmin(rows, clipRows_));
+        }
         ResultCode r = emitBody(sink_, l, a, b, fixed_);
         if (!failed(r) && startCap) {
             r = emitCap(style_, sink_, l, a, true, fixed_);
@@ -232,7 +237,7 @@ class Stroker {
         return static_cast<Stroker*>(ctx)->line({to.x, to.y});
     }
 
-    static int32_t toFixed(double v) { return static_cast<int32_t>(v * 65536.0); }
+    static int32_t toFixed(double v) { return saturateToInt32(v * 65536.0); }
 
     ResultCode curve(const float c[6]) {
         if (fixed_) {
@@ -298,8 +303,9 @@ class Stroker {
     FloatBox clip_;
     bool fixedAllowed_;
     double reach_;
+    double clipRows_ = 1;
     bool solid_ = true;
-    int64_t budget_ = DASH_ENTRY_BUDGET;
+    int64_t budget_ = DASH_WORK_BUDGET;
     // The subpath being stroked.
     bool fixed_ = false;
     bool closed_ = false;

@@ -14,11 +14,12 @@ namespace kryn {
 
 struct PageRecord;
 
-// The most dash entries one stroke walks. A pattern so fine that a stroke
-// needs more (tiny entries along a long path, seen through a shrinking
-// transformation) is below the device's resolution: the rest of the
-// stroke is drawn solid, so that one call takes bounded time.
-inline constexpr int64_t DASH_ENTRY_BUDGET = int64_t{1} << 20;
+// The dash work one stroke may do: every pattern entry walked counts 1 and
+// every dash drawn counts the device rows it can touch within the clip. A
+// stroke that needs more (tiny entries along a long path seen through a
+// shrinking transformation, or countless wide dashes) draws the rest of
+// its path solid, so that one call takes bounded time and memory.
+inline constexpr int64_t DASH_WORK_BUDGET = int64_t{1} << 23;
 
 // Strokes the painted subpaths of the state's path into `sink`, skipping
 // subpaths whose pieces cannot reach `clipBox`. Round pens are taken from

@@ -151,7 +151,12 @@ ResultCode clipDisc(const PieceScan& t, int32_t cx, int32_t cy, const PenCircle&
     target.recorder = t.recorder;
     const int32_t q = t.scan->quarterTurns;
     ResultCode r = KRYN_OK;
-    for (int32_t i = 0; i + 1 < pen.rowCount && !failed(r); ++i) {
+    // Only the table rows within the region's rows (2 sixteenths apart).
+    const IntBox& box = t.clip->intBox;
+    const int64_t base = int64_t{cy} + pen.top();
+    const int64_t from = std::max<int64_t>(0, floorDiv64(box.minY - base, 2) - 1);
+    const int64_t end = std::min<int64_t>(pen.rowCount - 1, floorDiv64(box.maxY - base, 2) + 2);
+    for (auto i = static_cast<int32_t>(from); i < end && !failed(r); ++i) {
         const PenRow& a = pen.rows[i];
         const PenRow& b = pen.rows[i + 1];
         int64_t first = 0;

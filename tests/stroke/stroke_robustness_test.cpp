@@ -207,3 +207,29 @@ TEST(StrokeRobustness, APatternFinerThanTheDeviceEndsSolidInBoundedWork) {
         EXPECT_NE(c.at(x, 50), 0) << x;
     }
 }
+
+TEST(StrokeRobustness, CountlessWideRoundDashesEndSolidInBoundedWork) {
+    // Half-width 4000 pixels (a round pen still exists), one-unit dashes,
+    // a triangle clip (discs cut against the region) and XOR (merged spans).
+    EnginePtr engine = makeEngine(W - 1, H - 1, 32, 0x8009);
+    Engine* e = engine.get();
+    ASSERT_EQ(KRYNNewPage(0, e), KRYN_OK);
+    ASSERT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK);
+    ASSERT_EQ(KRYNMoveTo(0, 0, e), KRYN_OK);
+    const int32_t tri[4] = {W, 0, 0, H};
+    ASSERT_EQ(KRYNLinesTo(tri, 2, e), KRYN_OK);
+    ASSERT_EQ(KRYNClip(FILL_NONZERO, e), KRYN_OK);
+    ASSERT_EQ(KRYNSetLogicalFunc(0x5A, e), KRYN_OK);
+    ASSERT_EQ(KRYNSetLineWidth(8000, e), KRYN_OK);
+    ASSERT_EQ(KRYNSetLineCap(1, e), KRYN_OK);
+    const int32_t pattern[2] = {1, 1};
+    ASSERT_EQ(KRYNSetLineDash(pattern, 2, 0, e), KRYN_OK);
+    ASSERT_EQ(KRYNMoveTo(-30000, 50, e), KRYN_OK);
+    const int32_t end[2] = {30000, 50};
+    ASSERT_EQ(KRYNLinesTo(end, 1, e), KRYN_OK);
+    ASSERT_EQ(KRYNStroke(e), KRYN_OK);
+    const Coverage c = pageCoverage(pageOf(e));
+    EXPECT_EQ(c.outside, 0);
+    EXPECT_EQ(c.at(10, 10), 1);
+    EXPECT_EQ(c.at(W - 10, H - 10), 0) << "outside the clip";
+}
