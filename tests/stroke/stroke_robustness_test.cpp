@@ -185,51 +185,40 @@ TEST(StrokeRobustness, HostileWidthsPatternsMatricesAndFiguresPaintOnlyThePage) 
     RecordProperty("strokes", strokes);
 }
 
-TEST(StrokeRobustness, APatternFinerThanTheDeviceEndsSolidInBoundedWork) {
-    // A long line in user units seen through a shrinking transformation:
-    // 2^31 units of {1, 1} would be 2^30 dashes; the walk stops at its
-    // budget and finishes the stroke solid.
-    EnginePtr engine = makeEngine(W - 1, H - 1, 32, 0x8009);
-    Engine* e = engine.get();
-    ASSERT_EQ(KRYNNewPage(0, e), KRYN_OK);
-    ASSERT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK);
-    ASSERT_EQ(KRYNSetScale(1.0f / 16777216.0f, e), KRYN_OK);
-    ASSERT_EQ(KRYNSetLineWidth(67108864, e), KRYN_OK); // 4 device pixels
-    const int32_t pattern[2] = {1, 1};
-    ASSERT_EQ(KRYNSetLineDash(pattern, 2, 0, e), KRYN_OK);
-    ASSERT_EQ(KRYNMoveTo(0, 838860800, e), KRYN_OK); // device (0, 50)
-    const int32_t end[2] = {INT32_MAX, 838860800};   // device (128, 50)
-    ASSERT_EQ(KRYNLinesTo(end, 1, e), KRYN_OK);
-    ASSERT_EQ(KRYNStroke(e), KRYN_OK);
-    const Coverage c = pageCoverage(pageOf(e));
-    EXPECT_EQ(c.outside, 0);
-    for (int32_t x = 1; x < 127; ++x) {
-        EXPECT_NE(c.at(x, 50), 0) << x;
+TEST(StrokeRobustness, PathologicalDashesEndSolidInBoundedWork) {
+    // fine: 2^31 user units of {1, 1} seen at 2^-24 (2^30 dashes, 4 pixels
+    // wide); wide: one-unit dashes 8000 pixels wide with round caps (a pen
+    // still exists) against a triangle clip under XOR. Both stop dashing at
+    // the work bound and finish solid.
+    for (bool wide : {false, true}) {
+        EnginePtr engine = makeEngine(W - 1, H - 1, 32, 0x8009);
+        Engine* e = engine.get();
+        ASSERT_EQ(KRYNNewPage(0, e), KRYN_OK);
+        ASSERT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK);
+        const int32_t pattern[2] = {1, 1};
+        int32_t from[2] = {0, 838860800}, to[2] = {INT32_MAX, 838860800}; // device y 50
+        if (wide) {
+            ASSERT_EQ(KRYNMoveTo(0, 0, e), KRYN_OK);
+            const int32_t tri[4] = {W, 0, 0, H};
+            ASSERT_EQ(KRYNLinesTo(tri, 2, e), KRYN_OK);
+            ASSERT_EQ(KRYNClip(FILL_NONZERO, e), KRYN_OK);
+            ASSERT_EQ(KRYNSetLogicalFunc(0x5A, e), KRYN_OK);
+            ASSERT_EQ(KRYNSetLineWidth(8000, e), KRYN_OK);
+            ASSERT_EQ(KRYNSetLineCap(1, e), KRYN_OK);
+            from[0] = -30000, from[1] = to[1] = 50, to[0] = 30000;
+        } else {
+            ASSERT_EQ(KRYNSetScale(1.0f / 16777216.0f, e), KRYN_OK);
+            ASSERT_EQ(KRYNSetLineWidth(67108864, e), KRYN_OK);
+        }
+        ASSERT_EQ(KRYNSetLineDash(pattern, 2, 0, e), KRYN_OK);
+        ASSERT_EQ(KRYNMoveTo(from[0], from[1], e), KRYN_OK);
+        ASSERT_EQ(KRYNLinesTo(to, 1, e), KRYN_OK);
+        ASSERT_EQ(KRYNStroke(e), KRYN_OK);
+        const Coverage c = pageCoverage(pageOf(e));
+        EXPECT_EQ(c.outside, 0);
+        for (int32_t x = 1; x < (wide ? 60 : 127); ++x) {
+            ASSERT_EQ(c.at(x, wide ? 10 : 50), 1) << wide << " " << x;
+        }
+        EXPECT_EQ(c.at(W - 10, H - 10), 0);
     }
-}
-
-TEST(StrokeRobustness, CountlessWideRoundDashesEndSolidInBoundedWork) {
-    // Half-width 4000 pixels (a round pen still exists), one-unit dashes,
-    // a triangle clip (discs cut against the region) and XOR (merged spans).
-    EnginePtr engine = makeEngine(W - 1, H - 1, 32, 0x8009);
-    Engine* e = engine.get();
-    ASSERT_EQ(KRYNNewPage(0, e), KRYN_OK);
-    ASSERT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK);
-    ASSERT_EQ(KRYNMoveTo(0, 0, e), KRYN_OK);
-    const int32_t tri[4] = {W, 0, 0, H};
-    ASSERT_EQ(KRYNLinesTo(tri, 2, e), KRYN_OK);
-    ASSERT_EQ(KRYNClip(FILL_NONZERO, e), KRYN_OK);
-    ASSERT_EQ(KRYNSetLogicalFunc(0x5A, e), KRYN_OK);
-    ASSERT_EQ(KRYNSetLineWidth(8000, e), KRYN_OK);
-    ASSERT_EQ(KRYNSetLineCap(1, e), KRYN_OK);
-    const int32_t pattern[2] = {1, 1};
-    ASSERT_EQ(KRYNSetLineDash(pattern, 2, 0, e), KRYN_OK);
-    ASSERT_EQ(KRYNMoveTo(-30000, 50, e), KRYN_OK);
-    const int32_t end[2] = {30000, 50};
-    ASSERT_EQ(KRYNLinesTo(end, 1, e), KRYN_OK);
-    ASSERT_EQ(KRYNStroke(e), KRYN_OK);
-    const Coverage c = pageCoverage(pageOf(e));
-    EXPECT_EQ(c.outside, 0);
-    EXPECT_EQ(c.at(10, 10), 1);
-    EXPECT_EQ(c.at(W - 10, H - 10), 0) << "outside the clip";
 }
