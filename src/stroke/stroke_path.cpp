@@ -30,9 +30,12 @@ struct DashWalk {
 
 class Stroker {
   public:
+    // reach: how far any piece reaches from the path (miter tips);
+    // capReach: how far a dash's body and caps reach.
     Stroker(GraphicsState& gs, const StrokeStyle& style, const PieceSink& sink,
-            const ScanFloatBox& clip, bool fixedAllowed, double reach)
-        : gs_(gs), style_(style), sink_(sink), fixedAllowed_(fixedAllowed), reach_(reach) {
+            const ScanFloatBox& clip, bool fixedAllowed, double reach, double capReach)
+        : gs_(gs), style_(style), sink_(sink), fixedAllowed_(fixedAllowed), reach_(reach),
+          capReach_(capReach) {
         clip_ =
             FloatBox{clip.minX - static_cast<float>(reach), clip.maxX + static_cast<float>(reach),
                      clip.minY - static_cast<float>(reach), clip.maxY + static_cast<float>(reach)};
@@ -106,7 +109,8 @@ class Stroker {
         const StrokeLine l = makeStrokeLine(style_, cur_, q);
         cur_ = q;
         if (!std::isfinite(l.userLength) || !(l.userLength > 0) || !std::isfinite(l.deviceLength)) {
-            return KRYN_OK; // no place on the device, or no length in user space
+            walk_.open = false; // no place on the device, or no length in user space: a break
+            return KRYN_OK;
         }
         if (!haveFirst_) {
             first_ = l;
@@ -127,7 +131,7 @@ class Stroker {
         const StrokePoint a = pointAlong(l, from, fixed_);
         const StrokePoint b = pointAlong(l, to, fixed_);
         if (!solid_) {
-            const double rows = std::fabs(b.y - a.y) + 2.0 * reach_;
+            const double rows = std::fabs(b.y - a.y) + 2.0 * capReach_;
             budget_ -= 1 + static_cast<int64_t>(std::fmin(rows, clipRows_));
         }
         ResultCode r = emitBody(sink_, l, a, b, fixed_);
@@ -303,6 +307,7 @@ class Stroker {
     FloatBox clip_;
     bool fixedAllowed_;
     double reach_;
+    double capReach_;
     double clipRows_ = 1;
     bool solid_ = true;
     int64_t budget_ = DASH_WORK_BUDGET;
@@ -371,10 +376,12 @@ ResultCode strokePath(GraphicsState& gs, PageRecord& page, const PieceSink& sink
     double reach =
         stretch * style.halfWidth * std::max(2.0, static_cast<double>(gs.miterLimit)) + 2.0;
     reach = std::isfinite(reach) ? reach : 1e30;
+    double capReach = stretch * style.halfWidth * 2.0 + 2.0;
+    capReach = std::isfinite(capReach) ? capReach : 1e30;
     const bool fixedAllowed = gs.lineWidthFixed != -1 && gs.miterLimitFixed != -1 &&
                               gs.miterLengthFixed != -1 &&
                               (gs.dashCount == 0 || gs.dashFixedOk != 0);
-    Stroker stroker(gs, style, sink, clipBox, fixedAllowed, reach);
+    Stroker stroker(gs, style, sink, clipBox, fixedAllowed, reach, capReach);
     for (const Subpath* sp = gs.path.paintFirst; sp != nullptr && !failed(r); sp = sp->next) {
         if (!continuedByNext(*sp)) {
             r = stroker.subpath(*sp);
