@@ -298,6 +298,60 @@ KRYN_EXPORT ResultCode KRYNPushClip(Engine* e);
 KRYN_EXPORT ResultCode KRYNPopClip(Engine* e);
 KRYN_EXPORT ResultCode KRYNVoidPushClip(Engine* e);
 
+/* ---- Scan lines, dots and strokes ------------------------------------- */
+
+/* Adds count runs (x0, x1 pairs) on user row y to the current path, each an
+ * open subpath of one line; the current point moves to the last run's start.
+ * A fill gives such runs no pixels: stroke them. KRYN_ERR_INVALID for
+ * count < 1 or a null array; after KRYN_ERR_NO_MEMORY the runs before the
+ * failing one stay in the path. The 16-bit form sign-extends every value. */
+KRYN_EXPORT ResultCode KRYNScanLines(const int32_t* runs, int32_t y, int16_t count, Engine* e);
+KRYN_EXPORT ResultCode KRYNScanLines16(const int16_t* runs, int16_t y, int16_t count, Engine* e);
+/* Paints the 2 x 2 pixels whose sample points follow the user point (x, y)
+ * at once, through the clip region, with the current paint; the path is not
+ * touched. A dot whose point lies inside a rectangular clip is not clipped
+ * and may reach one pixel past the clip's right or bottom side, never past
+ * the page. KRYN_OK with nothing painted before KRYNSetMatrix has set the
+ * page orientation or outside the clip. */
+KRYN_EXPORT ResultCode KRYNDotPaint(int32_t x, int32_t y, Engine* e);
+
+/* Paints the current path as a line of the current width with its caps,
+ * joins and dash pattern, within the clip region, and consumes the path
+ * (kept once when sealed). Every piece (segment body, cap, join, dash) is
+ * painted on its own; with a logical function that paints a pixel twice
+ * differently from once (0x5A and the like) the pieces' pixels are merged
+ * so that each is painted once. Lines at most one device pixel wide (widths
+ * 0 and 1 at scale 1) are drawn one pixel thick with no caps or joins.
+ * Round caps and joins need a transformation that keeps right angles
+ * (rotations other than quarter turns draw none) and a device half-width
+ * below 4096 pixels. A subpath of one point or of zero-length segments
+ * draws nothing. KRYN_OK with nothing painted for an empty path, white
+ * paint on a page with nothing recorded, or before the page orientation is
+ * set. KRYN_ERR_NO_MEMORY discards the path; what was recorded before
+ * stays. */
+KRYN_EXPORT ResultCode KRYNStroke(Engine* e);
+/* Line width in user units (default 1): KRYN_ERR_INVALID below 0. */
+KRYN_EXPORT ResultCode KRYNSetLineWidth(int32_t width, Engine* e);
+/* 0 flat (default), 1 round, 2 square (half a width past the end);
+ * KRYN_ERR_INVALID for another value. */
+KRYN_EXPORT ResultCode KRYNSetLineCap(uint16_t cap, Engine* e);
+/* 1 bevel, 2 miter (default), 3 round; 0 is round too (and reads 3 once a
+ * stroke has drawn a join). KRYN_ERR_INVALID above 3. */
+KRYN_EXPORT ResultCode KRYNSetLineJoin(uint16_t join, Engine* e);
+/* A miter longer than limit half-widths from its corner becomes a bevel
+ * (default 10); KRYN_ERR_INVALID below 1. */
+KRYN_EXPORT ResultCode KRYNSetMiterLimit(int32_t limit, Engine* e);
+/* count entries in user units, dash, gap, dash, ..., started phase units
+ * into the pattern; every subpath of every stroke starts there. count 0
+ * makes the line solid. KRYN_ERR_INVALID (pattern unchanged) for a null
+ * array with count > 0, no entry above 0, or entries summing to 0 or less
+ * (negative and zero entries are otherwise allowed). One stroke's dashes
+ * are limited to about 2^23 pixel rows in all (each pattern entry walked
+ * counts one): past that the rest of that stroke is drawn solid, so that a
+ * pattern far below the device's resolution cannot take unbounded time. */
+KRYN_EXPORT ResultCode KRYNSetLineDash(const int32_t* entries, uint16_t count, uint32_t phase,
+                                       Engine* e);
+
 /* ---- Colour and raster operations ------------------------------------ */
 
 /* These setters change the current graphics state of the open page

@@ -4,6 +4,7 @@
 #include "engine/memory.h"
 #include "engine/page_mode.h"
 #include "engine/page_resources.h"
+#include "stroke/pen_circle.h"
 
 #include <algorithm>
 
@@ -62,6 +63,7 @@ void destroyPageRecord(PageRecord* page) {
     freeAndClear(page->clipRegionHold);
     freeAndClear(page->regionHold);
     releasePathPool(page->pathPool);
+    releasePens(page->penCircles);
     closeScanState(&page->scan);
     freeBytes(page);
 }

@@ -12,6 +12,7 @@
 namespace kryn {
 
 struct DisplayList;
+struct PenCircle;
 
 // Marks an empty band range (first > last).
 inline constexpr int16_t RANGE_EMPTY_FIRST = 32767;
@@ -90,6 +91,8 @@ struct PageRecord {
     uint16_t paintNotWhite = 1; // 0: white paint, bands without a list are skipped
     BandRange pendingRuns;      // bands whose run buffers await writing
     BandEntry* bands = nullptr; // bandCount entries, in the same allocation
+    // Round pens of the page's strokes, newest first.
+    PenCircle* penCircles = nullptr;
 };
 
 // Allocates and initialises a page for an engine, bands included, and

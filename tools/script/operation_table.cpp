@@ -94,6 +94,10 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
                                    f.scalar<uint32_t>(2), e);
      }},
     {"DisposePage", {}, [](Engine* e, CallFrame&) { return KRYNDisposePage(e); }},
+    {"DotPaint",
+     {I32, I32},
+     [](Engine* e,
+        CallFrame& f) { return KRYNDotPaint(f.scalar<int32_t>(0), f.scalar<int32_t>(1), e); }},
     {"EllipsePath",
      {I32, I32, I32, I32},
      [](Engine* e, CallFrame& f) { return KRYNEllipsePath(ARGS4(f), e); }},
@@ -146,6 +150,16 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
      [](Engine* e,
         CallFrame&
             f) { return KRYNRoundRectPath(ARGS4(f), f.scalar<int32_t>(4), f.scalar<int32_t>(5), e); }},
+    {"ScanLines",
+     {countedI32(2, 2), I32, I16},
+     [](Engine* e, CallFrame& f) {
+         return KRYNScanLines(f.i32(0), f.scalar<int32_t>(1), f.scalar<int16_t>(2), e);
+     }},
+    {"ScanLines16",
+     {countedI16(2, 2), I16, I16},
+     [](Engine* e, CallFrame& f) {
+         return KRYNScanLines16(f.i16(0), f.scalar<int16_t>(1), f.scalar<int16_t>(2), e);
+     }},
     {"SealedPath", {}, [](Engine* e, CallFrame&) { return KRYNSealedPath(e); }},
     {"SelectSpace",
      {I32},
@@ -156,6 +170,20 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
     {"SetColor",
      {COLOUR, U16},
      [](Engine* e, CallFrame& f) { return KRYNSetColor(f.u32(0), f.scalar<uint16_t>(1), e); }},
+    {"SetLineCap",
+     {U16},
+     [](Engine* e, CallFrame& f) { return KRYNSetLineCap(f.scalar<uint16_t>(0), e); }},
+    {"SetLineDash",
+     {countedI32(1, 1), U16, U32},
+     [](Engine* e, CallFrame& f) {
+         return KRYNSetLineDash(f.i32(0), f.scalar<uint16_t>(1), f.scalar<uint32_t>(2), e);
+     }},
+    {"SetLineJoin",
+     {U16},
+     [](Engine* e, CallFrame& f) { return KRYNSetLineJoin(f.scalar<uint16_t>(0), e); }},
+    {"SetLineWidth",
+     {I32},
+     [](Engine* e, CallFrame& f) { return KRYNSetLineWidth(f.scalar<int32_t>(0), e); }},
     {"SetLogicalFunc",
      {U16},
      [](Engine* e, CallFrame& f) { return KRYNSetLogicalFunc(f.scalar<uint16_t>(0), e); }},
@@ -165,6 +193,9 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
     {"SetMatrix",
      {arrayI32(6)},
      [](Engine* e, CallFrame& f) { return KRYNSetMatrix(f.i32(0), e); }},
+    {"SetMiterLimit",
+     {I32},
+     [](Engine* e, CallFrame& f) { return KRYNSetMiterLimit(f.scalar<int32_t>(0), e); }},
     {"SetQuantization", {}, [](Engine* e, CallFrame&) { return KRYNSetQuantization(e); }},
     {"SetReverseSide", {}, [](Engine* e, CallFrame&) { return KRYNSetReverseSide(e); }},
     {"SetScale",
@@ -178,6 +209,7 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
      [](Engine* e,
         CallFrame&
             f) { return KRYNSetTranslation(f.scalar<int32_t>(0), f.scalar<int32_t>(1), e); }},
+    {"Stroke", {}, [](Engine* e, CallFrame&) { return KRYNStroke(e); }},
     {"VoidPushClip", {}, [](Engine* e, CallFrame&) { return KRYNVoidPushClip(e); }},
 });
 
