@@ -237,6 +237,10 @@ class Stroker {
     static ResultCode fixedChord(void* ctx, FixedPoint, FixedPoint to) {
         return static_cast<Stroker*>(ctx)->line({to.x / 65536.0, to.y / 65536.0});
     }
+    static ResultCode wideChord(void* ctx, WidePoint, WidePoint to) {
+        return static_cast<Stroker*>(ctx)->line(
+            {static_cast<double>(to.x) / 65536.0, static_cast<double>(to.y) / 65536.0});
+    }
     static ResultCode floatChord(void* ctx, FloatPoint, FloatPoint to) {
         return static_cast<Stroker*>(ctx)->line({to.x, to.y});
     }
@@ -262,9 +266,9 @@ class Stroker {
     // right-angle transformation, and flatten as Bezier curves otherwise.
     ResultCode powerCurve(const PowerCubic& pc) {
         if (fixed_ && style_.transform->isQuarterTurn != 0) {
-            FixedPoint end;
-            return flattenPowerCurve(FixedPoint{toFixed(cur_.x), toFixed(cur_.y)}, pc,
-                                     style_.flatnessFixed, fixedChord, this, &end);
+            WidePoint end;
+            return flattenPowerCurve(WidePoint{toFixed(cur_.x), toFixed(cur_.y)}, pc,
+                                     style_.flatnessFixed, nullptr, wideChord, this, &end);
         }
         const auto x = static_cast<float>(cur_.x);
         const auto y = static_cast<float>(cur_.y);
