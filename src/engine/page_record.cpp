@@ -4,6 +4,7 @@
 #include "engine/memory.h"
 #include "engine/page_mode.h"
 #include "engine/page_resources.h"
+#include "image/image_sources.h"
 #include "stroke/pen_circle.h"
 
 #include <algorithm>
@@ -64,6 +65,7 @@ void destroyPageRecord(PageRecord* page) {
     freeAndClear(page->regionHold);
     releasePathPool(page->pathPool);
     releasePens(page->penCircles);
+    releaseImageSources(page);
     closeScanState(&page->scan);
     freeBytes(page);
 }

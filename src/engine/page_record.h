@@ -12,6 +12,7 @@
 namespace kryn {
 
 struct DisplayList;
+struct ImageSourceEntry;
 struct PenCircle;
 
 // Marks an empty band range (first > last).
@@ -93,6 +94,9 @@ struct PageRecord {
     BandEntry* bands = nullptr; // bandCount entries, in the same allocation
     // Round pens of the page's strokes, newest first.
     PenCircle* penCircles = nullptr;
+    // Images whose samples the page's records point into, newest first;
+    // released with the page (image/image_sources.h).
+    ImageSourceEntry* imageSources = nullptr;
 };
 
 // Allocates and initialises a page for an engine, bands included, and
