@@ -5,19 +5,11 @@
 #include "engine/page_resources.h"
 #include "render/band_renderer.h"
 
+#include "kryn/kryn_raster.h"
+
 #include <cstring>
 
 namespace kryn::test {
-
-namespace {
-
-uint32_t wordAt(const std::vector<uint8_t>& data, size_t i) {
-    uint32_t w = 0;
-    std::memcpy(&w, data.data() + 4 * i, 4);
-    return w;
-}
-
-} // namespace
 
 BandPixels greyPixels(const Delivery& d, int32_t strideBytes, int32_t rows) {
     BandPixels out{strideBytes, rows, {}};
@@ -25,38 +17,14 @@ BandPixels greyPixels(const Delivery& d, int32_t strideBytes, int32_t rows) {
     return out;
 }
 
-// Runs as the receiver reads them: a head tagged 0x10 stands for as many
-// pixels as the next word says, 0x20 makes the rest of the row white.
+// Run marks expanded as a receiver reads them, with the public helper.
 BandPixels colourPixels(const Delivery& d, int32_t strideWords, int32_t rows) {
     BandPixels out{strideWords, rows, std::vector<uint32_t>(size_t(strideWords) * rows, 0)};
+    std::vector<uint32_t> row(static_cast<size_t>(strideWords));
     for (int32_t y = 0; y < rows; ++y) {
-        int32_t x = 0;
-        while (x < strideWords) {
-            const uint32_t word = wordAt(d.data, size_t(y) * strideWords + x);
-            const uint32_t tag = word >> 24;
-            if ((tag & 0x20) != 0) {
-                for (; x < strideWords; ++x) {
-                    out.pixels[size_t(y) * strideWords + x] = 0xFFFFFF;
-                }
-                break;
-            }
-            uint32_t n = 1;
-            if ((tag & 0x10) != 0 && x + 1 < strideWords) {
-                n = wordAt(d.data, size_t(y) * strideWords + x + 1);
-            }
-            for (uint32_t i = 0; i < n && x < strideWords; ++i, ++x) {
-                out.pixels[size_t(y) * strideWords + x] = word & 0xFFFFFF;
-            }
-        }
-    }
-    return out;
-}
-
-uint32_t ropByTruthTable(uint8_t code, uint32_t s, uint32_t p, uint32_t d, int bits) {
-    uint32_t out = 0;
-    for (int b = 0; b < bits; ++b) {
-        const uint32_t index = ((p >> b) & 1) * 4 + ((s >> b) & 1) * 2 + ((d >> b) & 1);
-        out |= uint32_t((code >> index) & 1) << b;
+        std::memcpy(row.data(), d.data.data() + size_t(y) * strideWords * 4, row.size() * 4);
+        krynExpandRow(row.data(), uint32_t(strideWords), &out.pixels[size_t(y) * strideWords],
+                      uint32_t(strideWords));
     }
     return out;
 }

@@ -30,9 +30,6 @@ struct BandPixels {
 BandPixels greyPixels(const Delivery& d, int32_t strideBytes, int32_t rows);
 BandPixels colourPixels(const Delivery& d, int32_t strideWords, int32_t rows);
 
-// Expected result of a raster operation, read bit by bit from its code.
-uint32_t ropByTruthTable(uint8_t code, uint32_t s, uint32_t p, uint32_t d, int bits);
-
 // Run buffers as the writers take them (engine heap); null when it fails.
 uint8_t* runBuffer(uint8_t form, const std::vector<std::vector<uint16_t>>& entries,
                    const std::vector<int>& widths);
