@@ -1,6 +1,6 @@
 // Per-band state synchronisation: what reaches a band, in which order, only
 // once, and when the band stops counting as black-and-white.
-#include "support/list_fixture.h"
+#include "support/page_fixture.h"
 
 #include "displaylist/band_state_sync.h"
 #include "displaylist/record_walk.h"
@@ -10,7 +10,7 @@ namespace {
 
 using Ops = std::vector<uint8_t>;
 
-class BandStateSyncTest : public ListTest {
+class BandStateSyncTest : public PageTest {
   protected:
     void SetUp() override { open(5); }
     BandEntry* band() { return &page_->bands[0]; }

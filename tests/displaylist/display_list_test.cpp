@@ -79,16 +79,6 @@ TEST_F(DisplayListTest, ChunksSplitAfterTheLimitInSerialisedModesWithExactSizes)
     EXPECT_EQ(loadU32(list_->pendingSizeSlot), 0u); // open until serialised
 }
 
-TEST_F(DisplayListTest, HostModesNeverSplitChunks) {
-    openPage(9); // opens with a chunk record, but plays on the host
-    uint8_t* slot = list_->pendingSizeSlot;
-    for (uint32_t i = 0; i < CHUNK_LIMIT / 4 + 100; ++i) {
-        appendColumn();
-    }
-    EXPECT_EQ(list_->pendingSizeSlot, slot);
-    EXPECT_EQ(list_->chunkStart, 0u);
-}
-
 TEST_F(DisplayListTest, AChunkThatCannotStartIsRetriedAtTheNextRecord) {
     openPage(1);
     uint8_t* firstSlot = list_->pendingSizeSlot;

@@ -3,7 +3,7 @@
 // colour tiles, random phases), under the three fast raster operations and
 // generic ones: every pixel against a per-pixel model of the band, and for
 // solid paint the painted box the band is delivered with.
-#include "render_fixture.h"
+#include "support/page_fixture.h"
 
 #include "paint/rop_test_support.h"
 
@@ -29,7 +29,7 @@ struct Cell {
 };
 
 constexpr int32_t WIDTH = 64; // mode 5 raster width
-constexpr int32_t ROWS = RenderTest::BAND_ROWS;
+constexpr int32_t ROWS = PageTest::BAND_ROWS;
 
 // Row-span arrays carry no header.
 uint8_t* spanArray(const std::vector<std::pair<uint16_t, uint16_t>>& spans) {
@@ -152,7 +152,7 @@ struct RandomScreen {
     }
 };
 
-class AreaFamilies : public RenderTest {
+class AreaFamilies : public PageTest {
   protected:
     void TearDown() override { freeBytes(screen_.widened.data); }
     RandomScreen screen_;
@@ -169,7 +169,7 @@ TEST_F(AreaFamilies, EveryPixelIsTheOperationOfTheTileValueAtItsPagePosition) {
     const uint8_t generic[] = {0xB8, 0x0A, 0x8E, 0x6C, 0x3F};
     for (int n = 0; n < 900; ++n) {
         const bool grey = n % 2 == 0;
-        open(5, grey);
+        open(5, 0x8009, grey);
         notMonochrome(0);
         const int bits = grey ? 8 : 24;
         const uint32_t mask = grey ? 0xFF : 0xFFFFFF;

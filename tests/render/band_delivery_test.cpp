@@ -2,14 +2,14 @@
 // and device level (images included), and monochrome bands, which skip
 // images. Codes, rectangles and pixels of ordinary pages are pinned by the
 // golden jobs host_delivery, host_bands and page_modes.
-#include "render_fixture.h"
+#include "support/page_fixture.h"
 
 #include "render/band_delivery.h"
 
 namespace kryn::test {
 namespace {
 
-class BandDelivery : public RenderTest {};
+class BandDelivery : public PageTest {};
 
 TEST_F(BandDelivery, TypedModesCodeBandsByContentOnCapableDevices) {
     static const uint8_t samples[16] = {};
@@ -24,7 +24,7 @@ TEST_F(BandDelivery, TypedModesCodeBandsByContentOnCapableDevices) {
          {Case{8, 0x8008, false, CB_RASTER_KIND2}, Case{9, 0x8008, true, CB_RASTER_STANDARD},
           Case{9, 0x8007, false, CB_RASTER_STANDARD}}) {
         log_ = CallbackLog();
-        open(c.mode, false, c.level);
+        open(c.mode, c.level);
         notMonochrome(2);
         rop(2, 0xF0);
         paint(2, 0);
@@ -47,7 +47,7 @@ TEST_F(BandDelivery, TypedModesCodeBandsByContentOnCapableDevices) {
 
 TEST_F(BandDelivery, MonochromeBandsSkipImages) {
     static const uint8_t samples[4] = {};
-    open(5, false, 0x8008);
+    open(5, 0x8008);
     ASSERT_EQ(writeImage(list(0), 0x40, 0, {0, 0}, 1, 1, {samples, 1, 1, 4}, res()), KRYN_OK);
     ASSERT_EQ(close(), KRYN_OK);
     EXPECT_TRUE(log_.calls.empty()); // the image was the only drawing record

@@ -1,5 +1,5 @@
 // The allocation-failure sweep over host page close.
-#include "render_fixture.h"
+#include "support/page_fixture.h"
 
 #include "support/alloc_sweep.h"
 

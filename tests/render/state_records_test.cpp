@@ -1,7 +1,7 @@
 // State records the band variants understand (their sizes, or 0 for a
 // record the variant passes over), and playback that passes over records
 // the renderers cannot paint and malformed records without harm.
-#include "render_fixture.h"
+#include "support/page_fixture.h"
 
 #include "engine/memory.h"
 #include "render/band_renderer.h"
@@ -48,10 +48,10 @@ TEST(StateRecords, WhichRecordsEachVariantUnderstands) {
     destroyBandRenderer(renderer);
 }
 
-class RobustPlayback : public RenderTest {};
+class RobustPlayback : public PageTest {};
 
 TEST_F(RobustPlayback, UnpaintableAndMalformedRecordsArePassedOver) {
-    open(5, true);
+    open(5, 0x8009, true);
     // Band 0: a screened fill (no screened member yet), then an unknown
     // opcode that ends the block before the black rectangle.
     auto* tile = static_cast<RendererTile*>(allocBytes(sizeof(RendererTile) + 8, true));
