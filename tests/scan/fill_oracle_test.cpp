@@ -39,7 +39,7 @@ TEST(FillOracle, RandomFiguresMatchPixelForPixel) {
                          << describe(polys);
         ASSERT_EQ(counts.outside, 0) << "seed " << seed;
         painted += std::count(want.begin(), want.end(), 1);
-        if (seed % 8 == 0) {
+        if (seed % 16 == 0) {
             // Stroke outlines take even-odd without crossing marks: the same
             // pixels for a simple outline.
             const std::vector<OraclePolygon> outline = {maker.convex(3 + maker.pick(6))};
