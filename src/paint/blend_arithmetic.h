@@ -43,9 +43,14 @@ inline constexpr uint32_t blendChannel(uint32_t a, uint32_t s, uint32_t d) {
 
 // One colour at one alpha, ready to blend channel by channel: the source's
 // share (a * 257 * s + 32768) of channels 0, 1 and 2, and the weight of D.
+// The same in 16-bit terms, for renderers that blend eight channels at a
+// time: with u = a * s + (255 - a) * d (at most 255 * 255), the rule is
+// (u + (u >> 8) + 128) >> 8, since 257 u + 32768 = 256 (u + 128) + u.
 struct BlendInk {
     uint32_t share[3];
     uint32_t dest;
+    uint16_t product[3]; // a * s
+    uint16_t inverse;    // 255 - a
 
     uint32_t channel(int c, uint32_t d) const {
         return std::min<uint32_t>(255, (share[c] + dest * d) >> 16);
@@ -55,9 +60,12 @@ struct BlendInk {
 // `colour` holds channel 0 in bits 0-7, 1 in 8-15, 2 in 16-23.
 inline constexpr BlendInk blendInk(uint32_t a, uint32_t colour) {
     const BlendWeights w = blendWeights(a);
-    return {{w.source * (colour & 0xFF) + 32768, w.source * ((colour >> 8) & 0xFF) + 32768,
-             w.source * ((colour >> 16) & 0xFF) + 32768},
-            w.dest};
+    const uint32_t s[3] = {colour & 0xFF, (colour >> 8) & 0xFF, (colour >> 16) & 0xFF};
+    return {{w.source * s[0] + 32768, w.source * s[1] + 32768, w.source * s[2] + 32768},
+            w.dest,
+            {static_cast<uint16_t>(a * s[0]), static_cast<uint16_t>(a * s[1]),
+             static_cast<uint16_t>(a * s[2])},
+            static_cast<uint16_t>(ALPHA_OPAQUE - a)};
 }
 
 static_assert(mulAlpha(255, 255) == 255 && mulAlpha(128, 128) == 64);

@@ -11,30 +11,7 @@ namespace kryn {
 
 namespace {
 
-// How many pixels from at[0] on equal d (at[0] does): eight bytes at a time.
-template <class Pixel>
-int32_t equalRun(const Pixel* at, int32_t n, Pixel d) {
-    constexpr int32_t PER_WORD = 8 / static_cast<int32_t>(sizeof(Pixel));
-    uint64_t word = 0;
-    for (int32_t k = 0; k < PER_WORD; ++k) {
-        word = word << (8 * sizeof(Pixel)) | d;
-    }
-    int32_t i = 1;
-    for (; i + PER_WORD <= n; i += PER_WORD) {
-        uint64_t w;
-        std::memcpy(&w, at + i, sizeof w);
-        if (w != word) {
-            break;
-        }
-    }
-    while (i < n && at[i] == d) {
-        ++i;
-    }
-    return i;
-}
-
-// Solid paint at one alpha: a pixel depends only on what it covers, so each
-// run of equal pixels is computed once and filled.
+// Solid paint at one alpha: a pixel depends only on what it covers.
 template <class Pixels>
 struct BlendSolidPaint {
     using Pixel = typename Pixels::Pixel;
@@ -42,14 +19,7 @@ struct BlendSolidPaint {
     BlendSolidPaint(const PaintState& state, uint32_t alpha, uint32_t colour)
         : ink(blendInk(alpha, colour)), tag(state.tagGraphicsWord) {}
 
-    void blendRow(Pixel* at, int32_t n) const {
-        for (int32_t i = 0; i < n;) {
-            const Pixel d = at[i];
-            const int32_t run = equalRun(at + i, n - i, d);
-            Pixels::fill(at + i, run, Pixels::blend(d, ink, tag));
-            i += run;
-        }
-    }
+    void blendRow(Pixel* at, int32_t n) const { Pixels::blendRow(at, n, ink, tag); }
 
     void span(const PaintState& state, int32_t y, int32_t left, int32_t right) const {
         blendRow(Pixels::row(state, y) + left, right - left + 1);
@@ -58,8 +28,8 @@ struct BlendSolidPaint {
         span(state, y, left, right);
     }
 
-    // A row that held the same pixels as the one above becomes what that
-    // one became. Rows are compared before either is painted.
+    // A row that held the same pixels as the row above becomes what that
+    // row became. Rows are compared before either is painted.
     void block(const PaintState& state, int32_t left, int32_t top, int32_t right,
                int32_t bottom) const {
         const int32_t n = right - left + 1;

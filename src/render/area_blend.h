@@ -14,9 +14,9 @@
 // one member per TileAlphaRule (colour tiles at the constant alpha or by
 // key 0; alpha tiles by their own alpha, times the constant or by key 0).
 // Each is its own instantiation of the geometry walk, so no per-pixel loop
-// tests the rule. Solid blends compute a pixel once per run of equal
-// destination pixels and copy a rectangle's row down when the row below
-// held the same pixels.
+// tests the rule. Solid blends take whole rows sixteen bytes at a time
+// (render/blend_rows.h), and a rectangle's row that held the same pixels as
+// the row above is copied from it once that one is painted.
 #pragma once
 
 #include "render/area_operand.h"

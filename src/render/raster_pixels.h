@@ -4,6 +4,7 @@
 #pragma once
 
 #include "paint/blend_arithmetic.h"
+#include "render/blend_rows.h"
 #include "render/paint_state.h"
 
 #include <algorithm>
@@ -65,6 +66,9 @@ struct GreyPixels {
     static Pixel blend(Pixel d, const BlendInk& ink, uint32_t) {
         return static_cast<Pixel>(ink.channel(0, d));
     }
+    static void blendRow(Pixel* at, int32_t n, const BlendInk& ink, uint32_t) {
+        blendRowBytes(at, n, ink);
+    }
     // Tile pixel p laid over D with the weights of its alpha.
     static Pixel blendSample(Pixel d, Pixel p, BlendWeights w, uint32_t) {
         return static_cast<Pixel>(blendWeighted(w, p, d));
@@ -114,6 +118,9 @@ struct ColourPixels {
     static Pixel blend(Pixel d, const BlendInk& ink, uint32_t tag) {
         return ink.channel(0, d & 0xFF) | ink.channel(1, (d >> 8) & 0xFF) << 8 |
                ink.channel(2, (d >> 16) & 0xFF) << 16 | tag;
+    }
+    static void blendRow(Pixel* at, int32_t n, const BlendInk& ink, uint32_t tag) {
+        blendRowWords(at, n, ink, tag);
     }
     static Pixel blendSample(Pixel d, Pixel p, BlendWeights w, uint32_t tag) {
         return blendWeighted(w, p & 0xFF, d & 0xFF) |

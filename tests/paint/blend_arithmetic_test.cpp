@@ -5,11 +5,13 @@
 // renderers use (the weights of one alpha, the ink of one colour, the pixel
 // policies of both raster formats) must give it for all 256^3 inputs.
 #include "paint/blend_arithmetic.h"
+#include "render/blend_rows.h"
 #include "render/raster_pixels.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <vector>
 
 namespace kryn {
 namespace {
@@ -61,6 +63,34 @@ TEST(BlendArithmetic, EveryFormOfTheBlendGivesTheRuleForEveryAlphaAndChannel) {
                 if (ColourPixels::blend(dc, ink, 0x03000000) != wantColour ||
                     ColourPixels::blendSample(dc, sc | 0xEE000000, w, 0x03000000) != wantColour) {
                     FAIL() << "32-bit: a " << a << " s " << s << " d " << d;
+                }
+            }
+        }
+    }
+}
+
+TEST(BlendArithmetic, WholeRowsGiveTheRuleForEveryAlphaAndChannel) {
+    // Rows of every destination value (the fast forms take sixteen bytes at
+    // a time, the pixel-by-pixel forms the rest of a row).
+    std::vector<uint8_t> grey(256);
+    std::vector<uint32_t> colour(256);
+    for (uint32_t a = 0; a < 256; ++a) {
+        for (uint32_t s = 0; s < 256; ++s) {
+            const BlendInk ink = blendInk(a, s | (255 - s) << 8 | (s ^ 0x5A) << 16);
+            for (uint32_t d = 0; d < 256; ++d) {
+                grey[d] = uint8_t(d);
+                colour[d] = d | (d ^ 0xFF) << 8 | (255 - d) << 16 | 0x7F000000;
+            }
+            const int32_t n = int32_t(253 + a % 4); // rows that end inside a 16-byte step
+            blendRowBytes(grey.data(), n, ink);
+            blendRowWords(colour.data(), n, ink, 0x03000000);
+            for (int32_t d = 0; d < n; ++d) {
+                const uint32_t want = referenceBlend(a, s, uint32_t(d));
+                const uint32_t wantColour =
+                    want | referenceBlend(a, 255 - s, uint32_t(d) ^ 0xFF) << 8 |
+                    referenceBlend(a, s ^ 0x5A, 255 - uint32_t(d)) << 16 | 0x03000000;
+                if (grey[size_t(d)] != want || colour[size_t(d)] != wantColour) {
+                    FAIL() << "rows: a " << a << " s " << s << " d " << d;
                 }
             }
         }
