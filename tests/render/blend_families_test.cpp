@@ -7,7 +7,8 @@
 // The model follows the rules as stated, pixel by pixel: where each
 // colour's alpha comes from, how the 1-bit cell counts its colours' sources
 // together, and the alpha rule of each tile pixel.
-#include "render_fixture.h"
+#include "paint/rop_test_support.h"
+#include "support/page_fixture.h"
 
 #include "engine/memory.h"
 #include "paint/bit_tile.h"
@@ -22,7 +23,7 @@ namespace kryn::test {
 namespace {
 
 constexpr int32_t WIDTH = 64;
-constexpr int32_t ROWS = RenderTest::BAND_ROWS;
+constexpr int32_t ROWS = PageTest::BAND_ROWS;
 
 struct Cell {
     int32_t x;
@@ -184,7 +185,7 @@ struct Screen {
     }
 };
 
-class BlendFamilies : public RenderTest {
+class BlendFamilies : public PageTest {
   protected:
     void TearDown() override { freeBytes(screen_.widened.data); }
     Screen screen_;
@@ -202,7 +203,7 @@ TEST_F(BlendFamilies, EveryPixelFollowsTheBlendRulesOfItsPaint) {
         Settings st;
         st.grey = n % 2 == 1;
         const bool grey = st.grey;
-        open(5, grey);
+        open(5, 0x8009, grey);
         notMonochrome(0);
         const uint32_t mask = grey ? 0xFF : 0xFFFFFF;
 
@@ -395,7 +396,7 @@ TEST_F(BlendFamilies, EveryPixelFollowsTheBlendRulesOfItsPaint) {
                 d = mix(a, p, d, grey);
                 ++blended;
             } else {
-                d = ropByTruthTable(code, s, p, d, grey ? 8 : 24);
+                d = referenceRop(code, s, p, d, grey ? 8 : 24);
             }
         }
 
