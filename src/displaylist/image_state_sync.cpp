@@ -37,6 +37,14 @@ ResultCode syncPhase(PageRecord* page, BandEntry* band, DisplayList* list, bool 
     return KRYN_OK;
 }
 
+// The black-and-white renderer reads no four-byte colour record: a band
+// that receives one goes to the general renderer.
+void clearMonochromeForAlpha(const PageRecord* page, BandEntry* band) {
+    if (page->resources->alphaMode != 0) {
+        band->bandMonochrome = 0;
+    }
+}
+
 // Image colours: only when they changed (masks), or every time (1-bit images).
 ResultCode syncImageColours(PageRecord* page, BandEntry* band, DisplayList* list, bool always) {
     const PaintDescriptor& p = page->paint;
@@ -50,6 +58,7 @@ ResultCode syncImageColours(PageRecord* page, BandEntry* band, DisplayList* list
             return r;
         }
         fore = p.imageColour;
+        clearMonochromeForAlpha(page, band);
     }
     if (always || ((p.imageBackColour ^ back) & mask) != 0) {
         const ResultCode r =
@@ -58,6 +67,7 @@ ResultCode syncImageColours(PageRecord* page, BandEntry* band, DisplayList* list
             return r;
         }
         back = p.imageBackColour;
+        clearMonochromeForAlpha(page, band);
     }
     return KRYN_OK;
 }
@@ -73,6 +83,7 @@ ResultCode syncKeyOneData(PageRecord* page, BandEntry* band, DisplayList* list) 
     if (r == KRYN_OK) {
         band->lastBlendSelectB = p.blendSelectB;
         std::copy_n(p.blendDataB, 3, band->lastBlendDataB);
+        band->bandMonochrome = 0;
     }
     return r;
 }
