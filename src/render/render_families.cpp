@@ -4,6 +4,7 @@
 #include "render/area_screened.h"
 #include "render/area_solid.h"
 #include "render/flatten_blocks.h"
+#include "render/mask_members.h"
 #include "render/raster_pixels.h"
 
 namespace kryn {
@@ -45,8 +46,8 @@ const RenderFamilies GREY_FAMILIES = {
     }},
     {},
     {},
-    nullptr,
-    nullptr,
+    paintMaskGrey,
+    blendMaskGrey,
     nullptr,
     {nullptr, nullptr, flattenBlocksGrey},
 };
@@ -68,8 +69,8 @@ const RenderFamilies COLOUR_FAMILIES = {
     }},
     {},
     {},
-    nullptr,
-    nullptr,
+    paintMaskColour,
+    blendMaskColour,
     nullptr,
     {nullptr, nullptr, nullptr, nullptr, flattenBlocksColour},
 };
