@@ -78,12 +78,11 @@ struct Reference {
 
     // Paints sample (u, v) of a bitmap whose linear part is m and whose
     // sample (0, 0) corner lies at device (ox, oy).
-    void paintSample(const Matrix& m, int64_t ox, int64_t oy, int32_t u, int32_t v,
-                     uint8_t grey) {
-        const int64_t xs[4] = {m.a * u + m.c * v, m.a * (u + 1) + m.c * v,
-                               m.a * u + m.c * (v + 1), m.a * (u + 1) + m.c * (v + 1)};
-        const int64_t ys[4] = {m.b * u + m.d * v, m.b * (u + 1) + m.d * v,
-                               m.b * u + m.d * (v + 1), m.b * (u + 1) + m.d * (v + 1)};
+    void paintSample(const Matrix& m, int64_t ox, int64_t oy, int32_t u, int32_t v, uint8_t grey) {
+        const int64_t xs[4] = {m.a * u + m.c * v, m.a * (u + 1) + m.c * v, m.a * u + m.c * (v + 1),
+                               m.a * (u + 1) + m.c * (v + 1)};
+        const int64_t ys[4] = {m.b * u + m.d * v, m.b * (u + 1) + m.d * v, m.b * u + m.d * (v + 1),
+                               m.b * (u + 1) + m.d * (v + 1)};
         const int64_t x0 = ox + *std::min_element(xs, xs + 4);
         const int64_t x1 = ox + *std::max_element(xs, xs + 4);
         const int64_t y0 = oy + *std::min_element(ys, ys + 4);
@@ -164,7 +163,9 @@ void randomClip(std::mt19937& rng, Engine* e, Reference& ref) {
         const int32_t w = std::uniform_int_distribution<int32_t>(1, W)(rng);
         const int32_t h = std::uniform_int_distribution<int32_t>(1, H)(rng);
         ASSERT_EQ(KRYNRectPath(x0, y0, w, h, e), KRYN_OK);
-        poly = {{16 * x0, 16 * y0}, {16 * (x0 + w), 16 * y0}, {16 * (x0 + w), 16 * (y0 + h)},
+        poly = {{16 * x0, 16 * y0},
+                {16 * (x0 + w), 16 * y0},
+                {16 * (x0 + w), 16 * (y0 + h)},
                 {16 * x0, 16 * (y0 + h)}};
     } else {
         const int32_t pts[6] = {px(rng), py(rng), px(rng), py(rng), px(rng), py(rng)};
@@ -196,10 +197,8 @@ void playRandomPage(uint32_t seed) {
         ASSERT_EQ(KRYNSelectSpace(1, e), KRYN_OK);
     }
     // The first quarter-turn matrix fixes the page's orientation.
-    static const Matrix turns[4] = {{1, 0, 0, 1, 0, 0},
-                                    {0, 1, -1, 0, W, 0},
-                                    {-1, 0, 0, -1, W, H},
-                                    {0, -1, 1, 0, 0, H}};
+    static const Matrix turns[4] = {
+        {1, 0, 0, 1, 0, 0}, {0, 1, -1, 0, W, 0}, {-1, 0, 0, -1, W, H}, {0, -1, 1, 0, 0, H}};
     setMatrix(e, turns[ref.quarterTurns]);
     // The page rectangle clips too: under some orientations its first
     // column or row lies on the excluded side of the pixel rule.
@@ -235,7 +234,8 @@ void playRandomPage(uint32_t seed) {
             // A mask under a random orientation and scale; ownership 1 hands
             // a heap copy over, 0 lends a buffer that is spoilt at once.
             const Bitmap b = randomBitmap(rng, 40);
-            Matrix m = randomLinear(rng, std::uniform_int_distribution<int32_t>(1, 4)(rng) == 4 ? 2 : 1);
+            Matrix m =
+                randomLinear(rng, std::uniform_int_distribution<int32_t>(1, 4)(rng) == 4 ? 2 : 1);
             m.tx = dx;
             m.ty = dy;
             setMatrix(e, m);
