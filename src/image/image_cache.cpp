@@ -3,12 +3,10 @@
 #include "engine/graphics_state.h"
 #include "engine/memory.h"
 #include "engine/page_record.h"
-#include "geometry/saturate.h"
 #include "image/bitmap_orientation.h"
 #include "image/device_quad.h"
 #include "image/mask_recorder.h"
 #include "image/sample_image.h"
-#include "scan/page_recorders.h"
 
 #include <algorithm>
 #include <cmath>
@@ -107,40 +105,6 @@ ResultCode buildEntry(const Transform& t, int32_t width, int32_t height, const u
     return KRYN_OK;
 }
 
-// The first device pixel at or after `sixteenths` that the pixel rule
-// covers (strict: the sample must lie beyond it), and the last one before
-// `end` (strict: at or before it).
-int64_t firstCovered(int64_t sixteenths, bool strict) {
-    return (sixteenths + (strict ? 16 : 15)) >> 4;
-}
-int64_t lastCovered(int64_t end, bool strict) {
-    return strict ? end >> 4 : ((end + 15) >> 4) - 1;
-}
-
-// The rectangular-clip path: the pixels of the entry's box that the clip
-// rectangle admits, by the page's pixel rule, recorded at once.
-ResultCode recordInsideRect(const MaskPlacement& mask, const ClipRegion& clip, int32_t turns,
-                            double x, double y) {
-    const IntBox& c = clip.intBox;
-    const int64_t left = std::max<int64_t>(saturateToInt32(16.0 * x), c.minX);
-    const int64_t right = std::min<int64_t>(saturateToInt32(16.0 * (x + mask.width)), c.maxX);
-    const int64_t top = std::max<int64_t>(saturateToInt32(16.0 * y), c.minY);
-    const int64_t bottom = std::min<int64_t>(saturateToInt32(16.0 * (y + mask.height)), c.maxY);
-    const bool strictX = turns == 1 || turns == 2;
-    const bool strictY = turns >= 2;
-    SpanRecorder page;
-    installPageRecorders(mask.page, &page);
-    const int64_t x0 = std::max<int64_t>(firstCovered(left, strictX), page.bounds.minX);
-    const int64_t x1 = std::min<int64_t>(lastCovered(right, strictX), page.bounds.maxX);
-    const int64_t y0 = std::max<int64_t>(firstCovered(top, strictY), page.bounds.minY);
-    const int64_t y1 = std::min<int64_t>(lastCovered(bottom, strictY), page.bounds.maxY);
-    if (x0 > x1 || y0 > y1) {
-        return KRYN_OK;
-    }
-    return recordMaskRect(mask, static_cast<int32_t>(x0), static_cast<int32_t>(x1),
-                          static_cast<int32_t>(y0), static_cast<int32_t>(y1));
-}
-
 } // namespace
 
 ResultCode setImageCacheInfo(Engine* e, uint16_t slots) {
@@ -219,7 +183,7 @@ ResultCode putImageCache(Engine* e, int32_t x, int32_t y, uint16_t slot) {
     mask.deviceY = at.y;
     setupMaskPaint(*gs, *page);
     if (clip.isRect != 0) {
-        return recordInsideRect(mask, clip, page->pageQuarterTurns, left, top);
+        return recordMaskInsideRect(mask, clip, page->pageQuarterTurns, quadBox(quad));
     }
     BandPieceRecorder pieces;
     SpanRecorder recorder;

@@ -4,8 +4,10 @@
 #include "displaylist/record_writers.h"
 #include "engine/graphics_state.h"
 #include "engine/page_record.h"
+#include "geometry/saturate.h"
 #include "paint/paint_setup.h"
 #include "paint/rop_codes.h"
+#include "scan/page_recorders.h"
 
 #include <algorithm>
 
@@ -54,6 +56,15 @@ ResultCode recordPieceOf(void* context, const BandPiece& rows, int32_t x0, int32
     return recordPiece(*static_cast<const MaskPlacement*>(context), rows, x0, x1);
 }
 
+// The first pixel whose sample lies at or after `sixteenths` (strict:
+// beyond it), and the last one before `end` (strict: at or before it).
+int64_t firstCovered(int64_t sixteenths, bool strict) {
+    return (sixteenths + (strict ? 16 : 15)) >> 4;
+}
+int64_t lastCovered(int64_t end, bool strict) {
+    return strict ? end >> 4 : ((end + 15) >> 4) - 1;
+}
+
 } // namespace
 
 void setupMaskPaint(const GraphicsState& gs, PageRecord& page) {
@@ -76,6 +87,30 @@ ResultCode recordMaskRect(const MaskPlacement& mask, int32_t x0, int32_t x1, int
             }
             return KRYN_OK;
         });
+}
+
+ResultCode recordMaskInsideRect(const MaskPlacement& mask, const ClipRegion& clip,
+                                int32_t quarterTurns, const DeviceBox& box) {
+    // The box in sixteenths as the fill would cut it, then cut to the clip
+    // rectangle, whose box admits exactly its pixels by the same rule.
+    const IntBox& c = clip.intBox;
+    const int64_t left = std::max<int64_t>(saturateToInt32(16.0 * box.minX), c.minX);
+    const int64_t right = std::min<int64_t>(saturateToInt32(16.0 * box.maxX), c.maxX);
+    const int64_t top = std::max<int64_t>(saturateToInt32(16.0 * box.minY), c.minY);
+    const int64_t bottom = std::min<int64_t>(saturateToInt32(16.0 * box.maxY), c.maxY);
+    const bool strictX = quarterTurns == 1 || quarterTurns == 2;
+    const bool strictY = quarterTurns >= 2;
+    SpanRecorder page;
+    installPageRecorders(mask.page, &page);
+    const int64_t x0 = std::max<int64_t>(firstCovered(left, strictX), page.bounds.minX);
+    const int64_t x1 = std::min<int64_t>(lastCovered(right, strictX), page.bounds.maxX);
+    const int64_t y0 = std::max<int64_t>(firstCovered(top, strictY), page.bounds.minY);
+    const int64_t y1 = std::min<int64_t>(lastCovered(bottom, strictY), page.bounds.maxY);
+    if (x0 > x1 || y0 > y1) {
+        return KRYN_OK;
+    }
+    return recordMaskRect(mask, static_cast<int32_t>(x0), static_cast<int32_t>(x1),
+                          static_cast<int32_t>(y0), static_cast<int32_t>(y1));
 }
 
 void installMaskRecorders(const MaskPlacement* mask, BandPieceRecorder* pieces,

@@ -6,6 +6,7 @@
 
 #include "engine/result_codes.h"
 #include "image/band_pieces.h"
+#include "image/device_quad.h"
 
 #include <cstdint>
 
@@ -37,6 +38,13 @@ void setupMaskPaint(const GraphicsState& gs, PageRecord& page);
 // bands received stays.
 ResultCode recordMaskRect(const MaskPlacement& mask, int32_t x0, int32_t x1, int32_t y0,
                           int32_t y1);
+
+// The rectangular-clip path: records the pixels of the device box (the
+// mask's own rectangle, corners in pixels) that the rectangular clip admits
+// by the page's pixel rule, straight into the recorder: the same pixels a
+// fill of the box would give, without its edges.
+ResultCode recordMaskInsideRect(const MaskPlacement& mask, const ClipRegion& clip,
+                                int32_t quarterTurns, const DeviceBox& box);
 
 // Fills *pieces and *recorder so that a fill records the mask through
 // recordMaskRect; *mask must outlive the fill.

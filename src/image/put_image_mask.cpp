@@ -8,6 +8,8 @@
 #include "image/mask_recorder.h"
 #include "image/sample_image.h"
 
+#include <cstring>
+
 namespace kryn {
 
 namespace {
@@ -45,9 +47,35 @@ ResultCode deviceBitmap(const ImageDesc& d, SampleBuffer& owned, const BitmapOri
         bits = given;
         return KRYN_OK;
     }
-    const ResultCode r = pickSamples(given, o.pick, device, bits);
+    ResultCode r = KRYN_OK;
+    if (isIdentityPick(o)) {
+        // A plain copy, row by row (most masks of a page are text).
+        const int64_t rowBytes = packedRowBytes(d.width, 1);
+        auto* copy = static_cast<uint8_t*>(allocBytes(size_t(rowBytes * d.height)));
+        if (copy == nullptr) {
+            r = KRYN_ERR_NO_MEMORY;
+        } else {
+            if (given.stride == rowBytes) {
+                std::memcpy(copy, given.data, size_t(rowBytes * d.height));
+            }
+            for (int64_t y = 0; y < d.height && given.stride != rowBytes; ++y) {
+                std::memcpy(copy + y * rowBytes, given.data + y * given.stride, size_t(rowBytes));
+            }
+            device = SampleBuffer(copy);
+            bits = {copy, d.width, d.height, rowBytes, 1};
+        }
+    } else {
+        r = pickSamples(given, o.pick, device, bits);
+    }
     owned.release(); // a handed-over buffer goes once copied, or when the copy fails
     return failed(r) ? KRYN_ERR_NO_MEMORY : KRYN_OK;
+}
+
+// The quad is a rectangle with sides along the device axes: its fill
+// inside a rectangular clip is its box cut by the clip.
+bool isUpright(const DeviceQuad& q) {
+    return (q.x[0] == q.x[3] && q.x[1] == q.x[2] && q.y[0] == q.y[1] && q.y[2] == q.y[3]) ||
+           (q.x[0] == q.x[1] && q.x[2] == q.x[3] && q.y[0] == q.y[3] && q.y[1] == q.y[2]);
 }
 
 } // namespace
@@ -102,10 +130,15 @@ ResultCode putImageMask(Engine* e, const ImageDesc* mask, int32_t x, int32_t y,
     placement.deviceX = at.x;
     placement.deviceY = at.y;
     setupMaskPaint(*gs, *page);
-    BandPieceRecorder pieces;
-    SpanRecorder recorder;
-    installMaskRecorders(&placement, &pieces, &recorder);
-    r = fillDeviceQuad(&page->scan, quad, gs->clip.current, &recorder);
+    const ClipRegion& clip = gs->clip.current;
+    if (clip.isRect != 0 && isUpright(quad)) {
+        r = recordMaskInsideRect(placement, clip, page->pageQuarterTurns, quadBox(quad));
+    } else {
+        BandPieceRecorder pieces;
+        SpanRecorder recorder;
+        installMaskRecorders(&placement, &pieces, &recorder);
+        r = fillDeviceQuad(&page->scan, quad, clip, &recorder);
+    }
     // KRYN_ERR_INVALID would tell the caller the buffer is still theirs.
     return r == KRYN_ERR_INVALID ? KRYN_ERR_NO_MEMORY : r;
 }
