@@ -17,6 +17,7 @@ namespace {
 template <class Pixels>
 struct BlendSolidMask {
     using Pixel = typename Pixels::Pixel;
+    static constexpr bool GROUPS_ONLY = false;
     BlendSolidMask(const PaintState& state, uint32_t alpha)
         : ink(blendInk(alpha, slotColour(state, SLOT_IMAGE))), tag(state.tagBitmapWord) {}
 
@@ -36,6 +37,7 @@ struct BlendSolidMask {
 template <class Pixels, bool OPAQUE>
 struct BlendBitsMask {
     using Pixel = typename Pixels::Pixel;
+    static constexpr bool GROUPS_ONLY = false;
     BlendBitsMask(const PaintState& state, const BitsBlend& plan)
         : tile(state), one(blendInk(plan.alphaOne, slotColour(state, SLOT_IMAGE))),
           zero(blendInk(plan.alphaZero, slotColour(state, SLOT_PAINT_BACK))),
@@ -72,6 +74,7 @@ struct BlendBitsMask {
 template <class Pixels, TileAlphaRule RULE>
 struct BlendSamplesMask {
     using Pixel = typename Pixels::Pixel;
+    static constexpr bool GROUPS_ONLY = false;
     explicit BlendSamplesMask(const PaintState& state)
         : tile(state), alphas(state.tileAlpha), constant(state.blendSelect),
           keyAlpha(state.blendSelectA), grey(state.bitsPerPixel == 8), tag(state.tagBitmapWord) {

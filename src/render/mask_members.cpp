@@ -61,6 +61,8 @@ template <class Pixel>
 template <class Pixels>
 struct SolidMask {
     using Pixel = typename Pixels::Pixel;
+    // One masked store paints eight grey pixels, a whole 0xFF group too.
+    static constexpr bool GROUPS_ONLY = sizeof(Pixel) == 1;
     explicit SolidMask(const PaintState& state)
         : value(maskPixel<Pixels>(state, state.colour[SLOT_IMAGE])) {}
 
@@ -91,6 +93,7 @@ struct SolidMask {
 template <class Pixels, bool OPAQUE>
 struct BitsMask {
     using Pixel = typename Pixels::Pixel;
+    static constexpr bool GROUPS_ONLY = false;
     explicit BitsMask(const PaintState& state)
         : tile(state), one(maskPixel<Pixels>(state, state.colour[SLOT_IMAGE])),
           zero(maskPixel<Pixels>(state, state.colour[SLOT_PAINT_BACK])) {}
@@ -116,6 +119,7 @@ struct BitsMask {
 template <class Pixels>
 struct SamplesMask {
     using Pixel = typename Pixels::Pixel;
+    static constexpr bool GROUPS_ONLY = false;
     explicit SamplesMask(const PaintState& state) : tile(state), tag(state.tagBitmapWord) {}
 
     Pixel value(Pixel p) const {
