@@ -5,6 +5,7 @@
 #include "engine/page_mode.h"
 #include "engine/page_resources.h"
 #include "image/image_sources.h"
+#include "image/image_table.h"
 #include "stroke/pen_circle.h"
 
 #include <algorithm>
@@ -66,6 +67,7 @@ void destroyPageRecord(PageRecord* page) {
     releasePathPool(page->pathPool);
     releasePens(page->penCircles);
     releaseImageSources(page);
+    releasePageColourTables(page);
     closeScanState(&page->scan);
     freeBytes(page);
 }

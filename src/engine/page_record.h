@@ -14,6 +14,7 @@ namespace kryn {
 struct DisplayList;
 struct ImageSourceEntry;
 struct PenCircle;
+struct RendererColourTable;
 
 // Marks an empty band range (first > last).
 inline constexpr int16_t RANGE_EMPTY_FIRST = 32767;
@@ -97,6 +98,8 @@ struct PageRecord {
     // Images whose samples the page's records point into, newest first;
     // released with the page (image/image_sources.h).
     ImageSourceEntry* imageSources = nullptr;
+    // Colour tables of indexed images, newest first (image/image_table.h).
+    RendererColourTable* colourTables = nullptr;
 };
 
 // Allocates and initialises a page for an engine, bands included, and

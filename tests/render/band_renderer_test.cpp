@@ -36,13 +36,13 @@ TEST(BandRendererLife, ResizingKeepsWhatStillFitsAndEmptiesThePageLists) {
     ASSERT_NE(r, nullptr);
     r->rendererKind = RENDERER_BOX;
     r->expandBuffer = static_cast<uint8_t*>(allocBytes(expandBufferBytes(*r)));
-    r->imageList = static_cast<RendererImageBuffer*>(allocBytes(sizeof(RendererImageBuffer)));
-    *r->imageList = {nullptr, allocBytes(10)};
+    r->tileList = static_cast<RendererTile*>(allocBytes(sizeof(RendererTile)));
+    *r->tileList = {nullptr, 1, 1, 8, 8, nullptr};
     uint8_t* raster = r->raster;
 
     ASSERT_EQ(resizeBandRenderer(r, {64, 16, ATTRS, 0}), KRYN_OK);
     EXPECT_EQ(r->raster, raster);
-    EXPECT_EQ(r->imageList, nullptr);
+    EXPECT_EQ(r->tileList, nullptr);
     EXPECT_EQ(r->rendererKind, RENDERER_BOX);
 
     ASSERT_EQ(resizeBandRenderer(r, {64, 16, ATTRS, 1}), KRYN_OK);

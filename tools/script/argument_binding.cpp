@@ -369,12 +369,19 @@ CallFrame bindArguments(const OperationEntry& op, const ScriptLine& line, size_t
         copied.push_back(samples);
         if (!ownershipPasses(op.params[i], frame)) {
             frame.keptBuffers.push_back(samples);
+        } else {
+            frame.passedBuffers.push_back(samples);
         }
     }
     return frame;
 }
 
-void releaseKeptBuffers(CallFrame& frame) {
+void releaseKeptBuffers(CallFrame& frame, ResultCode result) {
+    if (result == KRYN_ERR_INVALID) {
+        frame.keptBuffers.insert(frame.keptBuffers.end(), frame.passedBuffers.begin(),
+                                 frame.passedBuffers.end());
+    }
+    frame.passedBuffers.clear();
     for (void* buffer : frame.keptBuffers) {
         GlobalFree(buffer);
     }

@@ -15,7 +15,9 @@ namespace kryn::script {
 CallFrame bindArguments(const OperationEntry& op, const ScriptLine& line,
                         size_t maxBytes = size_t{1} << 30);
 
-// Frees the image buffers a call left with the caller.
-void releaseKeptBuffers(CallFrame& frame);
+// Frees the image buffers a call answering `result` left with the caller:
+// those whose ownership does not pass, and, when the call refused its
+// arguments (KRYN_ERR_INVALID), those whose ownership would have passed.
+void releaseKeptBuffers(CallFrame& frame, ResultCode result);
 
 } // namespace kryn::script

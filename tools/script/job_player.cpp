@@ -205,13 +205,13 @@ void JobPlayer::playLine(const ScriptLine& line) {
     }
     CallFrame frame = bindArguments(*op, line, options_.maxBytes);
     if (!initSeen_) {
-        releaseKeptBuffers(frame);
+        releaseKeptBuffers(frame, KRYN_ERR_INVALID); // no call made: every buffer is ours
         throw ScriptError("no engine: the first call must be Init");
     }
     frame.callback = &JobPlayer::deliver;
     frame.context = reinterpret_cast<uintptr_t>(this);
     ResultCode r = op->invoke(engine_, frame);
-    releaseKeptBuffers(frame);
+    releaseKeptBuffers(frame, r);
     if (line.name == "End") {
         engine_ = nullptr;
     }

@@ -16,6 +16,10 @@ const Parameter F32{ParamType::F32};
 const Parameter COLOUR{ParamType::OneU32};
 const Parameter OUT{ParamType::Output};
 const Parameter SCREEN{ParamType::Screen};
+// Image descriptions whose samples pass to the engine (unless it refuses
+// the call), and the colour table of KRYNSetImageTable (read up to 256).
+const Parameter IMAGE{ParamType::Image, {}, ImageOwnership::PassesToEngine};
+const Parameter IMAGE_TABLE{ParamType::ArrayU32, {256}};
 
 Parameter arrayI32(int n) {
     return {ParamType::ArrayI32, {n}};
@@ -142,6 +146,19 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
     {"PopGState", {}, [](Engine* e, CallFrame&) { return KRYNPopGState(e); }},
     {"PushClip", {}, [](Engine* e, CallFrame&) { return KRYNPushClip(e); }},
     {"PushGState", {}, [](Engine* e, CallFrame&) { return KRYNPushGState(e); }},
+    {"PutImage",
+     {IMAGE, I32, I32, I32, I32},
+     [](Engine* e, CallFrame& f) {
+         return KRYNPutImage(f.image(0), f.scalar<int32_t>(1), f.scalar<int32_t>(2),
+                             f.scalar<int32_t>(3), f.scalar<int32_t>(4), e);
+     }},
+    {"PutImageWithMask",
+     {IMAGE, IMAGE, I32, I32, I32, I32},
+     [](Engine* e, CallFrame& f) {
+         return KRYNPutImageWithMask(f.image(0), f.image(1), f.scalar<int32_t>(2),
+                                     f.scalar<int32_t>(3), f.scalar<int32_t>(4),
+                                     f.scalar<int32_t>(5), e);
+     }},
     {"RectPath",
      {I32, I32, I32, I32},
      [](Engine* e, CallFrame& f) { return KRYNRectPath(ARGS4(f), e); }},
@@ -170,6 +187,11 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
     {"SetColor",
      {COLOUR, U16},
      [](Engine* e, CallFrame& f) { return KRYNSetColor(f.u32(0), f.scalar<uint16_t>(1), e); }},
+    {"SetImageTable",
+     {U32, IMAGE_TABLE, U32},
+     [](Engine* e, CallFrame& f) {
+         return KRYNSetImageTable(f.scalar<uint32_t>(0), f.u32(1), f.scalar<uint32_t>(2), e);
+     }},
     {"SetLineCap",
      {U16},
      [](Engine* e, CallFrame& f) { return KRYNSetLineCap(f.scalar<uint16_t>(0), e); }},

@@ -1,0 +1,244 @@
+#include "render/image_members.h"
+
+#include "render/image_pixels.h"
+#include "render/image_walk.h"
+#include "render/tile_view.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace kryn {
+
+namespace {
+
+// Pixels a member converts at a time: the samples of a row piece go to a
+// small buffer on the stack first, so that no member needs work memory.
+constexpr int32_t CHUNK = 256;
+
+// The pattern operand P under the band's screen, one pixel at a time along
+// a row from column x on. `skip` is set where a 1-bit screen with
+// transparent zeros leaves the band alone.
+template <class Pixels, ScreenMember SM>
+struct ImagePattern;
+
+template <class Pixels>
+struct ImagePattern<Pixels, SCREEN_SOLID> {
+    ImagePattern(const PaintState& s, int32_t, int32_t) : value(Pixels::slot(s, SLOT_PAINT)) {}
+    void step() {}
+    uint32_t value;
+    static constexpr bool skip = false;
+};
+
+template <class Pixels, ScreenMember SM>
+requires(SM == SCREEN_BITS_TRANSPARENT ||
+         SM == SCREEN_BITS_OPAQUE) struct ImagePattern<Pixels, SM> {
+    ImagePattern(const PaintState& s, int32_t x, int32_t y)
+        : one(Pixels::slot(s, SLOT_PAINT)), zero(Pixels::slot(s, SLOT_PAINT_BACK)),
+          bits(TileView(s).row(y), TileView(s).column(x), s.tileRowBytes) {
+        load();
+    }
+    void load() {
+        const bool bit = bits.next();
+        value = bit ? one : zero;
+        skip = SM == SCREEN_BITS_TRANSPARENT && !bit;
+    }
+    void step() { load(); }
+    uint32_t one;
+    uint32_t zero;
+    BitCursor bits;
+    uint32_t value = 0;
+    bool skip = false;
+};
+
+template <class Pixels>
+struct ImagePattern<Pixels, SCREEN_SAMPLES> {
+    using Pixel = typename Pixels::Pixel;
+    ImagePattern(const PaintState& s, int32_t x, int32_t y)
+        : row(reinterpret_cast<const Pixel*>(TileView(s).row(y))), width(s.tileWidth),
+          column(TileView(s).column(x)), value(row[column]) {}
+    void step() {
+        if (++column == width) {
+            column = 0;
+        }
+        value = row[column];
+    }
+    const Pixel* row;
+    int32_t width;
+    int32_t column;
+    uint32_t value;
+    static constexpr bool skip = false;
+};
+
+// The samples of one row of a record, column by column.
+template <bool Scaled>
+struct ColumnWalk;
+
+template <>
+struct ColumnWalk<false> {
+    ColumnWalk(const PaintState&, const ImageOperand& op)
+        : next(op.scaled != 0 ? op.sourceColumn : 0), last(op.sourceColumns - 1) {}
+    template <class Samples>
+    void fill(const Samples& samples, const uint8_t* row, uint32_t* out, int32_t n) {
+        for (int32_t k = 0; k < n; ++k, ++next) {
+            out[k] = samples(row, std::min(next, last));
+        }
+    }
+    uint32_t next;
+    uint32_t last;
+};
+
+template <>
+struct ColumnWalk<true> {
+    ColumnWalk(const PaintState& s, const ImageOperand& op) : runs(columnRuns(s, op)) {}
+    template <class Samples>
+    void fill(const Samples& samples, const uint8_t* row, uint32_t* out, int32_t n) {
+        for (int32_t k = 0; k < n;) {
+            if (left == 0) {
+                runs.next(sample, left);
+                value = samples(row, sample);
+            }
+            const int32_t m = static_cast<int32_t>(std::min<int64_t>(left, n - k));
+            std::fill_n(out + k, m, value);
+            k += m;
+            left -= m;
+        }
+    }
+    SampleRuns runs;
+    uint32_t sample = 0;
+    int64_t left = 0;
+    uint32_t value = 0;
+};
+
+// Paints n converted samples into the row at d under the raster operation.
+template <class Pixels, ScreenMember SM, bool Transparent>
+void applySamples(const PaintState& s, typename Pixels::Pixel* d, const uint32_t* v, int32_t n,
+                  ImagePattern<Pixels, SM>& p, ImageRop rop) {
+    constexpr bool skips = Transparent || SM == SCREEN_BITS_TRANSPARENT;
+    switch (rop) {
+    case IMAGE_ROP_COPY:
+        for (int32_t k = 0; k < n; ++k, p.step()) {
+            if (skips && (v[k] == SKIP_SAMPLE || p.skip)) {
+                continue;
+            }
+            d[k] = Pixels::copy(s, v[k]);
+        }
+        break;
+    case IMAGE_ROP_XOR:
+        for (int32_t k = 0; k < n; ++k, p.step()) {
+            if (skips && (v[k] == SKIP_SAMPLE || p.skip)) {
+                continue;
+            }
+            d[k] = Pixels::xorInto(d[k], v[k]);
+        }
+        break;
+    default:
+        for (int32_t k = 0; k < n; ++k, p.step()) {
+            if (skips && (v[k] == SKIP_SAMPLE || p.skip)) {
+                continue;
+            }
+            d[k] = Pixels::rop(s, v[k], p.value, d[k]);
+        }
+        break;
+    }
+}
+
+template <class Pixels, class Samples, ScreenMember SM, bool Scaled>
+void paintRow(const PaintState& s, const ImageOperand& op, const Samples& samples,
+              const ImageArea& area, int32_t y, const uint8_t* sourceRow, ImageRop rop) {
+    ColumnWalk<Scaled> columns(s, op);
+    ImagePattern<Pixels, SM> pattern(s, area.left, y);
+    typename Pixels::Pixel* d = Pixels::row(s, y) + area.left;
+    uint32_t values[CHUNK];
+    for (int32_t done = 0; done < area.width;) {
+        const int32_t n = std::min(CHUNK, area.width - done);
+        columns.fill(samples, sourceRow, values, n);
+        applySamples<Pixels, SM, Samples::TRANSPARENT>(s, d + done, values, n, pattern, rop);
+        done += n;
+    }
+}
+
+// One member: the rows of the record, each source row painted once and
+// copied to the further device rows it covers when the result does not
+// depend on the band (copy, no screen, every pixel painted).
+template <class Pixels, class Samples, ScreenMember SM, bool Scaled>
+void paintImageMember(PaintState& s, const ImageOperand& op) {
+    ImageArea area{};
+    if (!clipImageArea(s, op, area)) {
+        return;
+    }
+    const Samples samples(s, op, Pixels{});
+    if (!samples.usable()) {
+        return;
+    }
+    const ImageRop rop = imageRopOf(s);
+    const bool rowsRepeat = rop == IMAGE_ROP_COPY && SM == SCREEN_SOLID && !Samples::TRANSPARENT;
+    const size_t rowBytes = static_cast<size_t>(area.width) * sizeof(typename Pixels::Pixel);
+    SampleRuns rows = rowRuns(s, op);
+    for (int32_t i = 0; i < area.rows;) {
+        uint32_t r = 0;
+        int64_t length = 0;
+        rows.next(r, length);
+        const int32_t n = static_cast<int32_t>(std::min<int64_t>(length, area.rows - i));
+        const uint8_t* sourceRow = op.data + uint64_t{r} * op.sourceStride;
+        const int32_t y = area.top + i;
+        paintRow<Pixels, Samples, SM, Scaled>(s, op, samples, area, y, sourceRow, rop);
+        for (int32_t k = 1; k < n; ++k) {
+            if (rowsRepeat) {
+                std::memcpy(Pixels::row(s, y + k) + area.left, Pixels::row(s, y) + area.left,
+                            rowBytes);
+            } else {
+                paintRow<Pixels, Samples, SM, Scaled>(s, op, samples, area, y + k, sourceRow, rop);
+            }
+        }
+        i += n;
+    }
+}
+
+// A family's dispatcher: members by scale and screen.
+template <class Pixels, class Samples>
+void paintImageFamily(PaintState& s, const ImageOperand& op) {
+    static constexpr ImagePainter MEMBERS[2][SCREEN_MEMBER_COUNT] = {
+        {paintImageMember<Pixels, Samples, SCREEN_SOLID, false>,
+         paintImageMember<Pixels, Samples, SCREEN_BITS_TRANSPARENT, false>,
+         paintImageMember<Pixels, Samples, SCREEN_BITS_OPAQUE, false>,
+         paintImageMember<Pixels, Samples, SCREEN_SAMPLES, false>},
+        {paintImageMember<Pixels, Samples, SCREEN_SOLID, true>,
+         paintImageMember<Pixels, Samples, SCREEN_BITS_TRANSPARENT, true>,
+         paintImageMember<Pixels, Samples, SCREEN_BITS_OPAQUE, true>,
+         paintImageMember<Pixels, Samples, SCREEN_SAMPLES, true>},
+    };
+    MEMBERS[imageAtDeviceSize(op) ? 0 : 1][s.screenMember](s, op);
+}
+
+// 1-bit images: the two sets of eight by the image background flag.
+template <class Pixels>
+void paintBitImageFamily(PaintState& s, const ImageOperand& op) {
+    if (s.imageOpaque != 0) {
+        paintImageFamily<Pixels, BitSamples<true>>(s, op);
+    } else {
+        paintImageFamily<Pixels, BitSamples<false>>(s, op);
+    }
+}
+
+} // namespace
+
+void paintBitImageGrey(PaintState& state, const ImageOperand& op) {
+    paintBitImageFamily<GreyImagePixels>(state, op);
+}
+void paintGreyImageGrey(PaintState& state, const ImageOperand& op) {
+    paintImageFamily<GreyImagePixels, GreySamples>(state, op);
+}
+void paintIndexedImageGrey(PaintState& state, const ImageOperand& op) {
+    paintImageFamily<GreyImagePixels, IndexedSamples>(state, op);
+}
+void paintBitImageColour(PaintState& state, const ImageOperand& op) {
+    paintBitImageFamily<ColourImagePixels>(state, op);
+}
+void paintColourImageColour(PaintState& state, const ImageOperand& op) {
+    paintImageFamily<ColourImagePixels, ColourSamples>(state, op);
+}
+void paintIndexedImageColour(PaintState& state, const ImageOperand& op) {
+    paintImageFamily<ColourImagePixels, IndexedSamples>(state, op);
+}
+
+} // namespace kryn

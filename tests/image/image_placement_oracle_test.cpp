@@ -1,0 +1,300 @@
+// Placed images against a brute-force reading of the placement rules, pixel
+// for pixel: random images of every format on grey and colour pages, in the
+// four quarter turns, mirrored, at device size, scaled by whole and by
+// fractional factors, reduced, and clipped by rectangles and ellipses.
+//
+// The reference never looks at the engine's placement: which pixels an
+// image covers is what a filled rectangle path of the same user rectangle
+// covers under the same matrix and clip (a second page of the same script);
+// which sample a covered pixel shows is worked out from the device corners
+// alone: the image's first pixel is the first one the page's pixel rule
+// covers at the corners' box; sample i along a device axis spans device
+// pixels floor(i x F / 65536) up to floor((i + 1) x F / 65536) from there,
+// F being the axis's device extent over its samples in 16.16 (the last
+// sample repeating); the corners say which source axis runs along which
+// device axis and in which direction; and an image with more samples than
+// the rectangle's user units is first reduced by picking.
+#include "job_player.h"
+#include "page_picture.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace kryn::script {
+namespace {
+
+constexpr int32_t PAGE_W = 160;
+constexpr int32_t PAGE_H = 120;
+
+struct Case {
+    bool grey = false;
+    int32_t bandHeight = 16;
+    int32_t turns = 0;
+    int32_t w = 1, h = 1; // samples
+    uint32_t format = 24;
+    int32_t stride = 4;
+    std::vector<uint8_t> data;
+    int32_t x = 0, y = 0, width = 1, height = 1; // user rectangle
+    int32_t clip = 0;                            // 0 none, 1 rectangle, 2 ellipse
+    int32_t clipBox[4] = {0, 0, 0, 0};
+    std::vector<uint32_t> table;
+    uint32_t fore = 0, back = 0;
+    int32_t opaque = 1;
+};
+
+const int32_t TURNS[4][4] = {{1, 0, 0, 1}, {0, 1, -1, 0}, {-1, 0, 0, -1}, {0, -1, 1, 0}};
+constexpr int32_t CENTRE_X = 80;
+constexpr int32_t CENTRE_Y = 60;
+
+Case randomCase(uint32_t seed) {
+    std::mt19937 rng(seed);
+    Case c;
+    c.grey = (seed & 1) != 0;
+    c.turns = int32_t(seed / 2 % 4);
+    c.bandHeight = int32_t(std::vector<int>{8, 16, 24, 40}[rng() % 4]);
+    const uint32_t greyFormats[] = {255, 8, 4, 1};
+    const uint32_t colourFormats[] = {24, 8, 4, 1};
+    c.format = c.grey ? greyFormats[rng() % 4] : colourFormats[rng() % 4];
+    c.w = 1 + int32_t(rng() % 24);
+    c.h = 1 + int32_t(rng() % 24);
+    const int32_t bits = c.format == 24                     ? 32
+                         : c.format == 8 || c.format == 255 ? 8
+                                                            : int32_t(c.format);
+    c.stride = (c.w * bits + 7) / 8 + int32_t(rng() % 3);
+    c.data.resize(size_t(c.stride) * size_t(c.h));
+    for (uint8_t& b : c.data) {
+        b = uint8_t(rng());
+    }
+    const auto side = [&](int32_t n) {
+        switch (rng() % 4) {
+        case 0:
+            return n; // device size
+        case 1:
+            return n * int32_t(2 + rng() % 3); // whole factors
+        case 2:
+            return 1 + int32_t(rng() % 70); // any factor, reductions too
+        default:
+            return n + int32_t(rng() % 9);
+        }
+    };
+    c.width = side(c.w) * (rng() % 5 == 0 ? -1 : 1);
+    c.height = side(c.h) * (rng() % 5 == 0 ? -1 : 1);
+    c.x = int32_t(rng() % 140) - 85;
+    c.y = int32_t(rng() % 110) - 70;
+    c.clip = int32_t(rng() % 3);
+    for (int32_t& v : c.clipBox) {
+        v = int32_t(rng() % 120) - 70;
+    }
+    c.table.resize(c.format == 4 ? 16 : 256);
+    for (uint32_t& t : c.table) {
+        t = rng() & 0xFFFFFF;
+    }
+    c.fore = rng() & 0xFFFFFF;
+    c.back = rng() & 0xFFFFFF;
+    c.opaque = int32_t(rng() % 2);
+    return c;
+}
+
+std::string hex(const std::vector<uint8_t>& bytes) {
+    std::string s;
+    char b[3];
+    for (uint8_t v : bytes) {
+        std::snprintf(b, sizeof b, "%02X", v);
+        s += b;
+    }
+    return s;
+}
+
+std::string array(const std::vector<uint32_t>& values) {
+    std::string s = "[";
+    for (uint32_t v : values) {
+        s += std::to_string(v) + " ";
+    }
+    return s + "]";
+}
+
+// Page 1 places the image; page 2 fills the same rectangle in black.
+std::string script(const Case& c) {
+    std::ostringstream s;
+    s << "Init " << PAGE_W - 1 << ' ' << PAGE_H - 1 << ' ' << c.bandHeight << " 600 0x8009\n";
+    for (int page = 0; page < 2; ++page) {
+        s << "NewPage 5\n";
+        if (c.grey) {
+            s << "SelectSpace 1\n";
+        }
+        const int32_t* m = TURNS[c.turns];
+        s << "SetMatrix [" << m[0] << ' ' << m[1] << ' ' << m[2] << ' ' << m[3] << ' ' << CENTRE_X
+          << ' ' << CENTRE_Y << "]\n";
+        if (c.clip == 1) {
+            s << "RectPath " << c.clipBox[0] << ' ' << c.clipBox[1] << ' ' << c.clipBox[2] + 90
+              << ' ' << c.clipBox[3] + 80 << "\nClip 0\n";
+        } else if (c.clip == 2) {
+            s << "EllipsePath " << c.clipBox[0] << ' ' << c.clipBox[1] << ' ' << c.clipBox[0] + 100
+              << ' ' << c.clipBox[1] + 90 << "\nClip 0\n";
+        }
+        if (page == 1) {
+            s << "SetColor 0 0\nSetLogicalFunc 0xF0\nRectPath " << c.x << ' ' << c.y << ' '
+              << c.width << ' ' << c.height << "\nFill 0\nClosePage\n";
+            continue;
+        }
+        s << "SetLogicalFunc 0xCC\nSetBackground " << c.opaque << '\n';
+        if (c.format == 1) {
+            s << "SetImageTable 2 " << array({c.back, c.fore}) << " 0\n";
+        } else if (c.format == 4 || c.format == 8) {
+            s << "SetImageTable " << c.table.size() << ' ' << array(c.table) << " 0\n";
+        }
+        s << "PutImage {" << c.w << ' ' << c.h << ' ' << c.stride << ' ' << c.format
+          << " hex:" << hex(c.data) << "} " << c.x << ' ' << c.y << ' ' << c.width << ' '
+          << c.height << "\nClosePage\n";
+    }
+    return s.str();
+}
+
+uint32_t sampleValue(const Case& c, int64_t sx, int64_t sy, bool& painted) {
+    const uint8_t* row = c.data.data() + sy * c.stride;
+    painted = true;
+    switch (c.format) {
+    case 1: {
+        const bool one = ((row[sx >> 3] >> (7 - (sx & 7))) & 1) != 0;
+        painted = one || c.opaque != 0;
+        return one ? c.fore : c.back;
+    }
+    case 4:
+        return c.table[(sx & 1) == 0 ? row[sx >> 1] >> 4 : row[sx >> 1] & 15];
+    case 8:
+        return c.table[row[sx]];
+    case 255:
+        return row[sx];
+    default:
+        return uint32_t(row[4 * sx]) | uint32_t(row[4 * sx + 1]) << 8 |
+               uint32_t(row[4 * sx + 2]) << 16;
+    }
+}
+
+// The sample along one device axis of n samples with device extent
+// `extent`, at device offset u from the first pixel.
+int64_t sampleAlong(int64_t u, double extent, int64_t n) {
+    if (extent == double(n)) {
+        return std::min(u, n - 1);
+    }
+    const uint64_t f = uint64_t(extent / double(n) * 65536.0);
+    int64_t i = 0;
+    while (i < n - 1 && int64_t((uint64_t(i + 1) * f) >> 16) <= u) {
+        ++i;
+    }
+    return i;
+}
+
+struct Expected {
+    bool inside;  // the rectangle's fill covers the pixel
+    bool painted; // the image paints it
+    uint32_t value;
+};
+
+Expected expectedAt(const Case& c, int32_t X, int32_t Y, bool covered) {
+    Expected e{covered, false, 0};
+    if (!covered) {
+        return e;
+    }
+    const int32_t* m = TURNS[c.turns];
+    const auto device = [&](double ux, double uy, double& dx, double& dy) {
+        dx = m[0] * ux + m[2] * uy + CENTRE_X;
+        dy = m[1] * ux + m[3] * uy + CENTRE_Y;
+    };
+    double x0, y0, x1, y1, x3, y3;
+    device(c.x, c.y, x0, y0);
+    device(double(c.x) + c.width, c.y, x1, y1);
+    device(c.x, double(c.y) + c.height, x3, y3);
+    const double minX = std::min({x0, x1, x3, x1 + x3 - x0});
+    const double minY = std::min({y0, y1, y3, y1 + y3 - y0});
+    const int32_t q = c.turns; // the first matrix sets the page's orientation
+    const int64_t posX = int64_t(q == 1 || q == 2 ? std::floor(minX) + 1 : std::ceil(minX));
+    const int64_t posY = int64_t(q >= 2 ? std::floor(minY) + 1 : std::ceil(minY));
+    // Reduction to the rectangle's user units.
+    const int64_t aw = std::abs(c.width), ah = std::abs(c.height);
+    const bool reduce = (c.w > aw || c.h > ah) && aw * ah < int64_t(c.w) * c.h;
+    const int64_t rw = reduce ? aw : c.w, rh = reduce ? ah : c.h;
+    const bool swap = x1 == x0; // the first row runs along device y
+    const int64_t nx = swap ? rh : rw, ny = swap ? rw : rh;
+    const double extentX = swap ? double(ah) : double(aw);
+    const double extentY = swap ? double(aw) : double(ah);
+    const bool unit = extentX == double(nx) && extentY == double(ny);
+    const int64_t i = sampleAlong(X - posX, unit ? double(nx) : extentX, nx);
+    const int64_t j = sampleAlong(Y - posY, unit ? double(ny) : extentY, ny);
+    int64_t rc = 0, rr = 0;
+    if (!swap) {
+        rc = x1 > x0 ? i : nx - 1 - i;
+        rr = y3 > y0 ? j : ny - 1 - j;
+    } else {
+        rr = x3 > x0 ? i : nx - 1 - i;
+        rc = y1 > y0 ? j : ny - 1 - j;
+    }
+    const int64_t sx =
+        reduce ? int64_t((uint64_t(rc) * ((uint64_t(c.w) << 16) / uint64_t(aw))) >> 16) : rc;
+    const int64_t sy =
+        reduce ? int64_t((uint64_t(rr) * ((uint64_t(c.h) << 16) / uint64_t(ah))) >> 16) : rr;
+    e.value = sampleValue(c, sx, sy, e.painted);
+    return e;
+}
+
+struct Played {
+    std::vector<PagePicture> pages;
+};
+
+Played play(const Case& c) {
+    Played played;
+    PagePicture picture(PAGE_W, PAGE_H, uint32_t(c.bandHeight));
+    PlayerOptions options;
+    options.onRaster = [&](const RasterDelivery& d) { picture.placeBand(d); };
+    options.onPageClosed = [&] {
+        played.pages.push_back(picture);
+        picture = PagePicture(PAGE_W, PAGE_H, uint32_t(c.bandHeight));
+    };
+    std::istringstream text(script(c));
+    JobPlayer player("oracle.kjob", ".", options);
+    const PlayResult result = player.run(text);
+    EXPECT_EQ(result.status, 0) << result.message;
+    EXPECT_EQ(result.failedCalls, 0u) << result.firstFailure;
+    return played;
+}
+
+uint32_t pixelAt(const PagePicture& p, int32_t x, int32_t y) {
+    const size_t i = (size_t(y) * PAGE_W + size_t(x)) * 3;
+    return uint32_t(p.rgb()[i]) | uint32_t(p.rgb()[i + 1]) << 8 | uint32_t(p.rgb()[i + 2]) << 16;
+}
+
+TEST(ImagePlacementOracle, EveryDevicePixelShowsTheSampleTheRulesGive) {
+    int64_t paintedPixels = 0;
+    for (uint32_t seed = 0; seed < 1000; ++seed) {
+        const Case c = randomCase(seed);
+        const Played played = play(c);
+        ASSERT_EQ(played.pages.size(), 2u) << "seed " << seed;
+        const PagePicture& image = played.pages[0];
+        const PagePicture& cover = played.pages[1];
+        for (int32_t Y = 0; Y < PAGE_H; ++Y) {
+            for (int32_t X = 0; X < PAGE_W; ++X) {
+                const bool covered = pixelAt(cover, X, Y) == 0;
+                const Expected e = expectedAt(c, X, Y, covered);
+                uint32_t want = e.painted ? e.value : 0xFFFFFF;
+                if (c.grey) {
+                    want = (want & 0xFF) * 0x010101;
+                }
+                const uint32_t got = pixelAt(image, X, Y);
+                ASSERT_EQ(got, want) << "seed " << seed << " pixel " << X << ',' << Y
+                                     << (covered ? " inside" : " outside") << "\n"
+                                     << script(c).substr(0, 600);
+                paintedPixels += e.painted ? 1 : 0;
+            }
+        }
+    }
+    EXPECT_GT(paintedPixels, 1000 * 150); // the placements are not trivially empty
+}
+
+} // namespace
+} // namespace kryn::script
