@@ -142,9 +142,65 @@ void applySamples(const PaintState& s, typename Pixels::Pixel* d, const uint32_t
     }
 }
 
+// Copies without a screen or transparent samples store each sample's pixel
+// straight into the row: a run of equal samples at once when scaled.
+template <class Pixels, class Samples, bool Scaled>
+void copyRow(const PaintState& s, const ImageOperand& op, const Samples& samples,
+             const ImageArea& area, int32_t y, const uint8_t* sourceRow) {
+    typename Pixels::Pixel* d = Pixels::row(s, y) + area.left;
+    if constexpr (Scaled) {
+        SampleRuns columns = columnRuns(s, op);
+        int32_t done = 0;
+        uint32_t c = 0;
+        int64_t length = 0;
+        if (op.scaleX % UNIT_SCALE == 0 && op.scaleX <= 4 * UNIT_SCALE) {
+            // Whole factors up to 4: after the first run every sample covers
+            // the same pixels, until the last sample.
+            const int32_t k = static_cast<int32_t>(op.scaleX / UNIT_SCALE);
+            columns.next(c, length);
+            const int32_t first = static_cast<int32_t>(std::min<int64_t>(length, area.width));
+            std::fill_n(d, first, Pixels::copy(s, samples(sourceRow, c)));
+            done = first;
+            const int64_t whole =
+                std::min<int64_t>((area.width - done) / k, int64_t{op.sourceColumns} - 1 - (c + 1));
+            for (int64_t i = 0; i < whole; ++i) {
+                const auto v = Pixels::copy(s, samples(sourceRow, ++c));
+                for (int32_t j = 0; j < k; ++j) {
+                    d[done + j] = v;
+                }
+                done += k;
+            }
+            columns = SampleRuns(c + 1, 0, op.scaleX, op.sourceColumns);
+        }
+        for (; done < area.width;) {
+            columns.next(c, length);
+            const int32_t n = static_cast<int32_t>(std::min<int64_t>(length, area.width - done));
+            std::fill_n(d + done, n, Pixels::copy(s, samples(sourceRow, c)));
+            done += n;
+        }
+    } else {
+        const uint32_t first = op.scaled != 0 ? op.sourceColumn : 0;
+        const uint32_t last = op.sourceColumns - 1;
+        const int32_t direct =
+            static_cast<int32_t>(std::clamp<int64_t>(int64_t{last} - first + 1, 0, area.width));
+        for (int32_t k = 0; k < direct; ++k) {
+            d[k] = Pixels::copy(s, samples(sourceRow, first + static_cast<uint32_t>(k)));
+        }
+        if (direct < area.width) {
+            std::fill_n(d + direct, area.width - direct, Pixels::copy(s, samples(sourceRow, last)));
+        }
+    }
+}
+
 template <class Pixels, class Samples, ScreenMember SM, bool Scaled>
 void paintRow(const PaintState& s, const ImageOperand& op, const Samples& samples,
               const ImageArea& area, int32_t y, const uint8_t* sourceRow, ImageRop rop) {
+    if constexpr (SM == SCREEN_SOLID && !Samples::TRANSPARENT) {
+        if (rop == IMAGE_ROP_COPY) {
+            copyRow<Pixels, Samples, Scaled>(s, op, samples, area, y, sourceRow);
+            return;
+        }
+    }
     ColumnWalk<Scaled> columns(s, op);
     ImagePattern<Pixels, SM> pattern(s, area.left, y);
     typename Pixels::Pixel* d = Pixels::row(s, y) + area.left;

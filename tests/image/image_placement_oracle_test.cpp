@@ -34,6 +34,7 @@ constexpr int32_t PAGE_H = 120;
 
 struct Case {
     bool grey = false;
+    int32_t mode = 5; // 5 and 3: general members on colour pages; 9: the direct renderer too
     int32_t bandHeight = 16;
     int32_t turns = 0;
     int32_t w = 1, h = 1; // samples
@@ -57,6 +58,7 @@ Case randomCase(uint32_t seed) {
     Case c;
     c.grey = (seed & 1) != 0;
     c.turns = int32_t(seed / 2 % 4);
+    c.mode = std::vector<int32_t>{5, 9, 3}[seed / 8 % 3];
     c.bandHeight = int32_t(std::vector<int>{8, 16, 24, 40}[rng() % 4]);
     const uint32_t greyFormats[] = {255, 8, 4, 1};
     const uint32_t colourFormats[] = {24, 8, 4, 1};
@@ -124,7 +126,7 @@ std::string script(const Case& c) {
     std::ostringstream s;
     s << "Init " << PAGE_W - 1 << ' ' << PAGE_H - 1 << ' ' << c.bandHeight << " 600 0x8009\n";
     for (int page = 0; page < 2; ++page) {
-        s << "NewPage 5\n";
+        s << "NewPage " << c.mode << "\n";
         if (c.grey) {
             s << "SelectSpace 1\n";
         }

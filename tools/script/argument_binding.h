@@ -5,7 +5,14 @@
 #include "operation_table.h"
 #include "script_value.h"
 
+#include <cstddef>
+#include <functional>
+
 namespace kryn::script {
+
+// Where image sample buffers come from: GlobalAlloc unless a caller (the
+// allocation-failure sweep) supplies its own. Null when memory runs out.
+using SampleAllocator = std::function<void*(size_t)>;
 
 // Checks every written value against its parameter (count, kind, range) and
 // binds them. Throws ScriptError, having allocated nothing, when the line
@@ -13,7 +20,7 @@ namespace kryn::script {
 // buffers last, so a failing line never leaves a buffer behind.
 // maxBytes bounds the memory one argument may take after padding.
 CallFrame bindArguments(const OperationEntry& op, const ScriptLine& line,
-                        size_t maxBytes = size_t{1} << 30);
+                        size_t maxBytes = size_t{1} << 30, const SampleAllocator& allocate = {});
 
 // Frees the image buffers a call answering `result` left with the caller:
 // those whose ownership does not pass, and, when the call refused its

@@ -203,7 +203,7 @@ void JobPlayer::playLine(const ScriptLine& line) {
     if (op == nullptr) {
         throw ScriptError("unknown operation '" + line.name + "'");
     }
-    CallFrame frame = bindArguments(*op, line, options_.maxBytes);
+    CallFrame frame = bindArguments(*op, line, options_.maxBytes, options_.allocateSamples);
     if (!initSeen_) {
         releaseKeptBuffers(frame, KRYN_ERR_INVALID); // no call made: every buffer is ours
         throw ScriptError("no engine: the first call must be Init");
