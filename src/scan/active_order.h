@@ -12,6 +12,7 @@
 namespace kryn {
 
 struct OrderSlot;
+struct ClipRun;
 
 inline constexpr int64_t NO_ROW = INT64_MIN;
 
@@ -36,7 +37,7 @@ struct alignas(64) SweepNode {
     int32_t crossSlot = -1; // position in the crossing queue
     int32_t tableIndex = 0; // position in the sorted edge table
     // Used while a clip region is collected.
-    int32_t run = -1;
+    ClipRun* run = nullptr;
 
     // The column on stepRow (strict: the first column right of x).
     int64_t column(bool strict) const { return quotient + (strict ? 1 : (rest > 0 ? 1 : 0)); }

@@ -1,5 +1,6 @@
 #include "scan/band_walk.h"
 
+#include "scan/clip_index.h"
 #include "scan/row_piece.h"
 
 namespace kryn {
@@ -181,6 +182,13 @@ ResultCode walkBand(BandWalk& w, SweepNode* first, int64_t yTop, int64_t yBottom
     if (firstRow == lastRow && w.target->mode == SCAN_MODE_PAINT && w.target->clip == nullptr) {
         return walkRowDirect(w, first, firstRow);
     }
+    RegionBuilder* region = w.region;
+    if (region != nullptr) {
+        const ResultCode r = region->beginBand(yTop, yBottom);
+        if (failed(r)) {
+            return r;
+        }
+    }
     int32_t state = 0;
     SweepNode* left = nullptr;
     const bool evenOdd = w.rule == FILL_EVEN_ODD;
@@ -190,13 +198,15 @@ ResultCode walkBand(BandWalk& w, SweepNode* first, int64_t yTop, int64_t yBottom
         if (before == 0) {
             left = n;
         } else if (state == 0) {
-            const ResultCode r = emitPiece(w, left, n, yTop, yBottom, firstRow, lastRow);
+            const ResultCode r = region != nullptr
+                                     ? region->addPiece(left, n)
+                                     : emitPiece(w, left, n, yTop, yBottom, firstRow, lastRow);
             if (failed(r)) {
                 return r;
             }
         }
     }
-    return KRYN_OK;
+    return region != nullptr ? region->endBand() : KRYN_OK;
 }
 
 } // namespace kryn

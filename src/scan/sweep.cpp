@@ -2,6 +2,8 @@
 
 #include "engine/memory.h"
 #include "scan/band_walk.h"
+#include "scan/clip_index.h"
+#include "scan/clip_region.h"
 #include "scan/edge_crossing.h"
 #include "scan/edge_rows.h"
 #include "scan/sweep_queue.h"
@@ -108,23 +110,16 @@ struct Sweep {
 
 } // namespace
 
-ResultCode sweepEdges(ScanState* scan, int32_t rule, const ScanTarget& target, bool crossingLines) {
+namespace {
+
+ResultCode sweepWith(ScanState* scan, BandWalk& walk, bool crossingLines) {
     const int32_t n = scan->table.edgeCount;
-    if (scan->table.edges == nullptr || n <= 0) {
-        return KRYN_OK;
-    }
     SweepMemory memory;
     if (!memory.open(n)) {
         return KRYN_ERR_NO_MEMORY;
     }
     const int32_t q = scan->quarterTurns;
-    BandWalk walk;
-    walk.scan = scan;
-    walk.target = &target;
-    walk.rule = rule;
-    walk.quarterTurns = q;
     walk.order = memory.order;
-    prepareBandWalk(&walk);
 
     Sweep s;
     s.roundDown = q == 2 || q == 3;
@@ -145,11 +140,6 @@ ResultCode sweepEdges(ScanState* scan, int32_t rule, const ScanTarget& target, b
             pendingCut = INT64_MAX;
         }
         const int64_t key = y + keyOffset; // the order holds on the rows after this line
-        while (s.ends.size > 0 && s.ends.minKey() <= y) {
-            SweepNode* e = s.ends.minNode();
-            s.ends.popMin();
-            s.removeNode(e);
-        }
         while (s.crossings.size > 0 && crossingFlipLine(s.crossings.minKey()) <= key) {
             SweepNode* l = s.crossings.minNode();
             const int64_t line = crossingLine(s.crossings.minKey(), s.roundDown);
@@ -202,8 +192,46 @@ ResultCode sweepEdges(ScanState* scan, int32_t rule, const ScanTarget& target, b
             }
         }
         y = next;
+        while (s.ends.size > 0 && s.ends.minKey() <= y) {
+            SweepNode* e = s.ends.minNode();
+            s.ends.popMin();
+            s.removeNode(e);
+        }
     }
     return KRYN_OK;
+}
+
+} // namespace
+
+ResultCode sweepEdges(ScanState* scan, int32_t rule, const ScanTarget& target, bool crossingLines) {
+    if (scan->table.edges == nullptr || scan->table.edgeCount <= 0) {
+        return KRYN_OK;
+    }
+    BandWalk walk;
+    walk.scan = scan;
+    walk.target = &target;
+    walk.rule = rule;
+    walk.quarterTurns = scan->quarterTurns;
+    prepareBandWalk(&walk);
+    // A clip region cut against the page rectangle (or not cut at all) is
+    // collected compactly; any other target takes the pieces one by one.
+    const ClipRegion* base = target.clip;
+    if (target.mode == SCAN_MODE_CLIP &&
+        (base == nullptr || (base->isRect != 0 && base->index == nullptr))) {
+        RegionBuilder region;
+        ResultCode r = region.open(scan, base);
+        if (failed(r)) {
+            return r;
+        }
+        walk.region = &region;
+        r = sweepWith(scan, walk, crossingLines);
+        if (failed(r)) {
+            region.abandon();
+            return r;
+        }
+        return region.finish(scan);
+    }
+    return sweepWith(scan, walk, crossingLines);
 }
 
 } // namespace kryn

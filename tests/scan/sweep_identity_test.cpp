@@ -13,6 +13,7 @@
 #include "displaylist/record_walk.h"
 #include "displaylist/record_writers.h"
 #include "engine/graphics_state.h"
+#include "scan/clip_index.h"
 #include "scan/page_clip.h"
 #include "scan/page_recorders.h"
 #include "support/engine_fixture.h"
@@ -302,6 +303,35 @@ ResultCode runCase(const Case& c, ScanPage& page, const SpanRecorder& rec, bool 
                : scanConvert(&page.scan, c.rule, page.clip.current, SCAN_MODE_PAINT, &rec);
 }
 
+// The pieces of a region in order: the reference's list, or the engine's
+// index replayed band by band.
+std::vector<int64_t> regionPieces(ScanState* scan, const ClipRegion& region) {
+    std::vector<int64_t> out;
+    auto add = [&](const Trapezoid& t) {
+        out.insert(out.end(),
+                   {t.yTop, t.yBottom, t.leftEdge->xTop, t.leftEdge->yTop, t.leftEdge->xBottom,
+                    t.leftEdge->yBottom, t.rightEdge->xTop, t.rightEdge->yTop, t.rightEdge->xBottom,
+                    t.rightEdge->yBottom, t.minColumn, t.maxColumn});
+    };
+    if (region.index == nullptr) {
+        for (const Trapezoid* t = region.activeList; t != nullptr; t = t->next) {
+            add(*t);
+        }
+        return out;
+    }
+    const RegionIndex& index = *region.index;
+    for (int32_t b = 0; b < index.bands.count; ++b) {
+        scan->cursor.moveTo(&index, b);
+        for (const ClipRun* r = scan->cursor.first; r != nullptr; r = r->next) {
+            Trapezoid t;
+            if (index.piece(index.bands.at(b), *r, &t)) {
+                add(t);
+            }
+        }
+    }
+    return out;
+}
+
 TEST(SweepIdentity, RecorderCallsMatchTheReference) {
     int64_t calls = 0;
     for (uint32_t seed = 0; seed < CASES; ++seed) {
@@ -314,6 +344,10 @@ TEST(SweepIdentity, RecorderCallsMatchTheReference) {
         ASSERT_EQ(runCase(c, engine, got.recorder(engine.raster(), c.bandHeight), false), KRYN_OK);
         ASSERT_EQ(runCase(c, reference, want.recorder(reference.raster(), c.bandHeight), true),
                   KRYN_OK);
+        ASSERT_EQ(firstDifference(regionPieces(&engine.scan, engine.clip.current),
+                                  regionPieces(&reference.scan, reference.clip.current)),
+                  "")
+            << "region " << c.text();
         ASSERT_EQ(engine.clip.current.isRect, reference.clip.current.isRect) << c.text();
         ASSERT_EQ(engine.clip.current.intBox.minX, reference.clip.current.intBox.minX) << c.text();
         ASSERT_EQ(engine.clip.current.intBox.maxX, reference.clip.current.intBox.maxX) << c.text();
