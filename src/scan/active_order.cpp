@@ -55,6 +55,19 @@ void rotateUp(ActiveOrder* order, OrderSlot* s) {
 
 } // namespace
 
+void ActiveOrder::connect(SweepNode* a, SweepNode* b) {
+    if (a != nullptr) {
+        a->next = b;
+        walk[a->tableIndex].next = b != nullptr ? b->tableIndex : -1;
+    } else {
+        first = b;
+        firstIndex = b != nullptr ? b->tableIndex : -1;
+    }
+    if (b != nullptr) {
+        b->prev = a;
+    }
+}
+
 void ActiveOrder::insert(SweepNode* node, OrderSlot* slot, int64_t y) {
     seed ^= seed << 13;
     seed ^= seed >> 17;
@@ -82,16 +95,8 @@ void ActiveOrder::insert(SweepNode* node, OrderSlot* slot, int64_t y) {
     while (slot->parent != nullptr && slot->parent->priority < slot->priority) {
         rotateUp(this, slot);
     }
-    node->prev = before;
-    node->next = after;
-    if (before != nullptr) {
-        before->next = node;
-    } else {
-        first = node;
-    }
-    if (after != nullptr) {
-        after->prev = node;
-    }
+    connect(before, node);
+    connect(node, after);
     ++count;
 }
 
@@ -107,14 +112,7 @@ void ActiveOrder::remove(SweepNode* node) {
     }
     replaceChild(this, s, nullptr);
     node->slot = nullptr;
-    if (node->prev != nullptr) {
-        node->prev->next = node->next;
-    } else {
-        first = node->next;
-    }
-    if (node->next != nullptr) {
-        node->next->prev = node->prev;
-    }
+    connect(node->prev, node->next);
     node->prev = node->next = nullptr;
     --count;
 }
@@ -129,18 +127,9 @@ void ActiveOrder::swapWithNext(SweepNode* a) {
     b->slot = sa;
     SweepNode* p = a->prev;
     SweepNode* n = b->next;
-    b->prev = p;
-    b->next = a;
-    a->prev = b;
-    a->next = n;
-    if (p != nullptr) {
-        p->next = b;
-    } else {
-        first = b;
-    }
-    if (n != nullptr) {
-        n->prev = a;
-    }
+    connect(p, b);
+    connect(b, a);
+    connect(a, n);
 }
 
 } // namespace kryn

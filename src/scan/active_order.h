@@ -16,10 +16,54 @@ struct ClipRun;
 
 inline constexpr int64_t NO_ROW = INT64_MIN;
 
+// What the walk of a band of one row reads of a node, in 32 bytes: the
+// order link and the edge's row stepper in 32-bit fields (x * 16dy on row
+// stepRow as quotient and rest of 16dy, see ColumnStepper). Edges whose
+// stepper does not fit (`wide`) step in their SweepNode instead.
+struct WalkNode {
+    int32_t next = -1; // index of the right neighbour, -1 for none
+    int32_t stepRow = INT32_MIN;
+    int32_t quotient = 0;
+    uint32_t rest = 0;
+    uint32_t divisor = 1;
+    int32_t stepQuotient = 0;
+    uint32_t stepRest = 0;
+    int8_t direction = 0;
+    int8_t vertical = 0;
+    int8_t wide = 0;
+    int8_t spare = 0;
+
+    int32_t column(bool strict) const { return quotient + (strict ? 1 : (rest > 0 ? 1 : 0)); }
+    void advance() {
+        quotient += stepQuotient;
+        rest += stepRest;
+        if (rest >= divisor) {
+            rest -= divisor;
+            ++quotient;
+        }
+    }
+    // Takes a stepper on `row` when its fields fit; false when not.
+    bool setStepper(const ColumnStepper& s, int64_t row) {
+        if (s.divisor >= (int64_t{1} << 31) || s.stepQuotient >= (int64_t{1} << 30) ||
+            s.stepQuotient <= -(int64_t{1} << 30) || s.quotient >= (int64_t{1} << 30) ||
+            s.quotient <= -(int64_t{1} << 30) || row >= INT32_MAX || row <= INT32_MIN) {
+            return false;
+        }
+        quotient = static_cast<int32_t>(s.quotient);
+        rest = static_cast<uint32_t>(s.rest);
+        divisor = static_cast<uint32_t>(s.divisor);
+        stepQuotient = static_cast<int32_t>(s.stepQuotient);
+        stepRest = static_cast<uint32_t>(s.stepRest);
+        stepRow = static_cast<int32_t>(row);
+        return true;
+    }
+};
+static_assert(sizeof(WalkNode) == 32);
+
 struct alignas(64) SweepNode {
-    // The band walk's cache line: the order link and the edge's row
-    // stepper, x * 16dy on row stepRow as quotient and rest of 16dy (see
-    // ColumnStepper).
+    // The walk of a band of several rows reads the order link and the
+    // edge's row stepper, x * 16dy on row stepRow as quotient and rest of
+    // 16dy (see ColumnStepper).
     SweepNode* next = nullptr;
     int64_t quotient = 0;
     int64_t rest = 0;
@@ -35,7 +79,7 @@ struct alignas(64) SweepNode {
     OrderSlot* slot = nullptr;
     int64_t crossKey = 0;   // crossing with `next`, while crossSlot >= 0
     int32_t crossSlot = -1; // position in the crossing queue
-    int32_t tableIndex = 0; // position in the sorted edge table
+    int32_t tableIndex = 0; // position in the sorted edge table, and of its WalkNode
     // Used while a clip region is collected.
     ClipRun* run = nullptr;
 
@@ -105,6 +149,8 @@ inline bool nodeBefore(const SweepNode& a, const SweepNode& b, int64_t y) {
 struct ActiveOrder {
     OrderSlot* root = nullptr;
     SweepNode* first = nullptr;
+    WalkNode* walk = nullptr; // the nodes' walk fields, kept linked in the same order
+    int32_t firstIndex = -1;
     uint32_t seed = 0x9E3779B9u;
     int32_t count = 0;
 
@@ -114,6 +160,9 @@ struct ActiveOrder {
     void remove(SweepNode* node);
     // Exchanges node and its successor.
     void swapWithNext(SweepNode* node);
+
+  private:
+    void connect(SweepNode* a, SweepNode* b); // b follows a (either may be null)
 };
 
 } // namespace kryn

@@ -14,6 +14,44 @@ int32_t maxX(const Edge& e) {
     return e.xTop > e.xBottom ? e.xTop : e.xBottom;
 }
 
+// The column of node i on `row` when its walk fields are not on the row
+// before: started afresh with one division (vertical edges keep theirs;
+// wide ones step in their SweepNode).
+__attribute__((noinline)) int64_t restartColumn(const BandWalk& w, int32_t i, int64_t row,
+                                                bool strict) {
+    WalkNode& n = w.walkNodes[i];
+    SweepNode& s = w.nodes[i];
+    if (n.vertical != 0) {
+        n.stepRow = static_cast<int32_t>(row);
+        return n.column(strict);
+    }
+    if (n.wide != 0) {
+        s.stepTo(row, w.quarterTurns);
+        return s.column(strict);
+    }
+    const ColumnStepper st = stepperAt(*s.edge, row, w.quarterTurns);
+    if (!n.setStepper(st, row)) {
+        n.wide = 1;
+        n.stepRow = INT32_MIN;
+        s.setStepper(st, row);
+    }
+    return st.column();
+}
+
+// The column of node i on `row`: one step from the row before.
+inline int64_t columnOn(const BandWalk& w, int32_t i, int64_t row, bool strict) {
+    WalkNode& n = w.walkNodes[i];
+    if (n.stepRow == row - 1) {
+        n.advance();
+        n.stepRow = static_cast<int32_t>(row);
+        return n.column(strict);
+    }
+    if (n.stepRow == row) {
+        return n.column(strict);
+    }
+    return restartColumn(w, i, row, strict);
+}
+
 // The piece of rows r0..r1 between two edges, as recordRowPiece records a
 // trapezoid without column limits.
 ResultCode recordDirect(const BandWalk& w, SweepNode* left, SweepNode* right, int64_t yTop,
@@ -28,9 +66,11 @@ ResultCode recordDirect(const BandWalk& w, SweepNode* left, SweepNode* right, in
     }
     const int32_t q = w.quarterTurns;
     const bool strict = strictColumns(q);
+    const int32_t l = left->tableIndex;
+    const int32_t r = right->tableIndex;
     if (left->vertical != 0 && right->vertical != 0) {
-        int64_t x0 = left->column(strict);
-        int64_t x1 = right->column(strict) - 1;
+        int64_t x0 = columnOn(w, l, first, strict);
+        int64_t x1 = columnOn(w, r, first, strict) - 1;
         x0 = x0 < minCol ? minCol : x0;
         x1 = x1 > maxCol ? maxCol : x1;
         if (x0 > x1) {
@@ -53,13 +93,9 @@ ResultCode recordDirect(const BandWalk& w, SweepNode* left, SweepNode* right, in
         t.rightEdge = right->edge;
         return recordRowPiece(pieceOfTrapezoid(t, q), q, rec, w.scan->rowSpanPairs);
     }
-    left->stepTo(first, q);
-    right->stepTo(first, q);
-    ColumnStepper l = left->stepper(strict);
-    ColumnStepper r = right->stepper(strict);
-    for (int64_t row = first;; ++row) {
-        int64_t x0 = l.column();
-        int64_t x1 = r.column() - 1;
+    for (int64_t row = first; row <= last; ++row) {
+        int64_t x0 = columnOn(w, l, row, strict);
+        int64_t x1 = columnOn(w, r, row, strict) - 1;
         x0 = x0 < minCol ? minCol : x0;
         x1 = x1 > maxCol ? maxCol : x1;
         if (x0 <= x1) {
@@ -69,17 +105,6 @@ ResultCode recordDirect(const BandWalk& w, SweepNode* left, SweepNode* right, in
                 return res;
             }
         }
-        if (row == last) {
-            break;
-        }
-        l.advance();
-        r.advance();
-    }
-    if (left->vertical == 0) {
-        left->setStepper(l, last);
-    }
-    if (right->vertical == 0) {
-        right->setStepper(r, last);
     }
     return KRYN_OK;
 }
@@ -115,51 +140,40 @@ ResultCode emitPiece(const BandWalk& w, SweepNode* left, SweepNode* right, int64
 
 // A band of one row with nothing to clip, the common band of big paths:
 // every piece is one span, recorded when it holds a pixel.
-ResultCode walkRowDirect(BandWalk& w, SweepNode* first, int64_t row) {
+ResultCode walkRowDirect(const BandWalk& w, int32_t first, int64_t row) {
     const SpanRecorder& rec = *w.target->recorder;
     const int64_t minCol = rec.bounds.minX;
     const int64_t maxCol = rec.bounds.maxX;
     if (minCol > maxCol) {
         return KRYN_OK;
     }
-    const int32_t q = w.quarterTurns;
-    const bool strict = strictColumns(q);
+    const bool strict = strictColumns(w.quarterTurns);
     const bool evenOdd = w.rule == FILL_EVEN_ODD;
+    const WalkNode* nodes = w.walkNodes;
     int32_t state = 0;
-    SweepNode* left = nullptr;
-    SweepNode** order = w.order;
-    const int32_t known = w.orderCount;
-    int32_t i = 0;
-    for (SweepNode* n = first; n != nullptr; n = n->next, ++i) {
-        if (i + 8 < known) {
-            __builtin_prefetch(order[i + 8]);
-        }
-        order[i] = n;
+    int32_t left = -1;
+    for (int32_t i = first; i >= 0; i = nodes[i].next) {
         const int32_t before = state;
-        state = evenOdd ? (state == 0 ? 1 : 0) : state + n->direction;
+        state = evenOdd ? (state == 0 ? 1 : 0) : state + nodes[i].direction;
         if (before == 0) {
-            left = n;
+            left = i;
             continue;
         }
         if (state != 0) {
             continue;
         }
-        left->stepTo(row, q);
-        n->stepTo(row, q);
-        int64_t x0 = left->column(strict);
-        int64_t x1 = n->column(strict) - 1;
+        int64_t x0 = columnOn(w, left, row, strict);
+        int64_t x1 = columnOn(w, i, row, strict) - 1;
         x0 = x0 < minCol ? minCol : x0;
         x1 = x1 > maxCol ? maxCol : x1;
         if (x0 <= x1) {
             const ResultCode r = rec.span(rec.ctx, static_cast<int32_t>(x0),
                                           static_cast<int32_t>(x1), static_cast<int32_t>(row));
             if (failed(r)) {
-                w.orderCount = 0;
                 return r;
             }
         }
     }
-    w.orderCount = i;
     return KRYN_OK;
 }
 
@@ -177,10 +191,10 @@ void prepareBandWalk(BandWalk* w) {
     }
 }
 
-ResultCode walkBand(BandWalk& w, SweepNode* first, int64_t yTop, int64_t yBottom, int64_t firstRow,
-                    int64_t lastRow) {
+ResultCode walkBand(const BandWalk& w, SweepNode* first, int64_t yTop, int64_t yBottom,
+                    int64_t firstRow, int64_t lastRow) {
     if (firstRow == lastRow && w.target->mode == SCAN_MODE_PAINT && w.target->clip == nullptr) {
-        return walkRowDirect(w, first, firstRow);
+        return first == nullptr ? KRYN_OK : walkRowDirect(w, first->tableIndex, firstRow);
     }
     RegionBuilder* region = w.region;
     if (region != nullptr) {

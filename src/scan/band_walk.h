@@ -25,10 +25,9 @@ struct BandWalk {
     int64_t minLine = INT64_MIN, maxLine = INT64_MAX;
     // Rows outside these emit nothing (they miss the raster).
     int64_t minRow = INT64_MIN, maxRow = INT64_MAX;
-    // The order of the last walk, to fetch nodes ahead of the walk (the
-    // order changes little from one band to the next).
-    SweepNode** order = nullptr;
-    int32_t orderCount = 0;
+    // The nodes by table index, with their walk fields.
+    SweepNode* nodes = nullptr;
+    WalkNode* walkNodes = nullptr;
 };
 
 // Sets the limits and routes of a walk for its target.
@@ -43,7 +42,7 @@ inline bool bandMatters(const BandWalk& w, int64_t yTop, int64_t yBottom, int64_
 }
 
 // Emits the band's pieces in order, from the leftmost active node.
-ResultCode walkBand(BandWalk& w, SweepNode* first, int64_t yTop, int64_t yBottom, int64_t firstRow,
-                    int64_t lastRow);
+ResultCode walkBand(const BandWalk& w, SweepNode* first, int64_t yTop, int64_t yBottom,
+                    int64_t firstRow, int64_t lastRow);
 
 } // namespace kryn

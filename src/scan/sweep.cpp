@@ -25,12 +25,12 @@ struct SweepMemory {
     OrderSlot* slots = nullptr;
     QueueEntry* crossings = nullptr;
     QueueEntry* ends = nullptr;
-    SweepNode** order = nullptr;
+    WalkNode* walk = nullptr;
 
     bool open(int32_t n) {
         const auto count = static_cast<size_t>(n);
-        const size_t bytes = count * (sizeof(SweepNode) + sizeof(OrderSlot) +
-                                      2 * sizeof(QueueEntry) + sizeof(SweepNode*));
+        const size_t bytes = count * (sizeof(SweepNode) + sizeof(WalkNode) + sizeof(OrderSlot) +
+                                      2 * sizeof(QueueEntry));
         block = allocBytes(bytes + alignof(SweepNode));
         if (block == nullptr) {
             return false;
@@ -40,13 +40,13 @@ struct SweepMemory {
               alignof(SweepNode);
         nodes = reinterpret_cast<SweepNode*>(at);
         at += count * sizeof(SweepNode);
+        walk = reinterpret_cast<WalkNode*>(at);
+        at += count * sizeof(WalkNode);
         slots = reinterpret_cast<OrderSlot*>(at);
         at += count * sizeof(OrderSlot);
         crossings = reinterpret_cast<QueueEntry*>(at);
         at += count * sizeof(QueueEntry);
         ends = reinterpret_cast<QueueEntry*>(at);
-        at += count * sizeof(QueueEntry);
-        order = reinterpret_cast<SweepNode**>(at);
         return true;
     }
     ~SweepMemory() { freeBytes(block); }
@@ -119,7 +119,8 @@ ResultCode sweepWith(ScanState* scan, BandWalk& walk, bool crossingLines) {
         return KRYN_ERR_NO_MEMORY;
     }
     const int32_t q = scan->quarterTurns;
-    walk.order = memory.order;
+    walk.nodes = memory.nodes;
+    walk.walkNodes = memory.walk;
 
     Sweep s;
     s.roundDown = q == 2 || q == 3;
@@ -127,6 +128,7 @@ ResultCode sweepWith(ScanState* scan, BandWalk& walk, bool crossingLines) {
     s.crossings.entries = memory.crossings;
     s.crossings.tracked = true;
     s.ends.entries = memory.ends;
+    s.order.walk = memory.walk;
     const Edge* pending = scan->table.edges;
     int32_t nextIndex = 0;
     int64_t y = 0;
@@ -163,8 +165,15 @@ ResultCode sweepWith(ScanState* scan, BandWalk& walk, bool crossingLines) {
             node->direction = pending->direction;
             node->vertical = pending->xTop == pending->xBottom ? 1 : 0;
             node->tableIndex = nextIndex;
+            WalkNode& hot = memory.walk[nextIndex];
+            hot = WalkNode();
+            hot.direction = static_cast<int8_t>(node->direction);
+            hot.vertical = static_cast<int8_t>(node->vertical);
             if (node->vertical != 0) {
-                node->setStepper(stepperAt(*pending, 0, q), 0);
+                // The column never changes: kept as a quotient with no rest.
+                const ColumnStepper st = stepperAt(*pending, 0, q);
+                node->setStepper(st, 0);
+                hot.quotient = static_cast<int32_t>(st.column() - (st.strict ? 1 : 0));
             }
             s.order.insert(node, &memory.slots[nextIndex], key);
             s.ends.push(node, pending->yBottom);
