@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/ usr / bin / env python3
 """Big-path benchmark jobs: one fill of one large or self-crossing path.
 
 Usage:
@@ -24,6 +24,10 @@ job scripts' stream), so the files are reproducible; do not commit them.
              million crossings for 2,000 vertices)
     random-32k
              one LinesTo of 32,767 random points of the page
+    clip-star-4k, clip-star-16k
+             the star of 4,096 / 16,384 vertices as the clip region, then the
+             page rectangle and the same star turned by half a step filled
+             through it
 """
 
 import math
@@ -49,12 +53,12 @@ class XorShift32:
         return self.next() % n
 
 
-def star(n):
+def star(n, turn=0.0):
     cx, cy, outer, inner = PAGE_W / 2, PAGE_H / 2, 2400.0, 1200.0
     pts = []
     for i in range(n):
         r = outer if i % 2 == 0 else inner
-        t = 2 * math.pi * i / n
+        t = 2 * math.pi * (i + turn) / n
         pts.append((round(16 * (cx + r * math.cos(t))), round(16 * (cy + r * math.sin(t)))))
     return [pts]
 
@@ -81,20 +85,32 @@ def random_points(n, seed=1503):
     return [[(rng.below(16 * PAGE_W), rng.below(16 * PAGE_H)) for _ in range(n)]]
 
 
+PAGE_RECT = [[(0, 0), (16 * PAGE_W, 0), (16 * PAGE_W, 16 * PAGE_H), (0, 16 * PAGE_H)]]
+
+
+def clipped_star(n):
+    return [('Clip', star(n)), ('Fill', PAGE_RECT), ('Fill', star(n, 0.5))]
+
+#Each job : a list of(operation, subpaths), every operation with the non - zero rule.
 JOBS = {
-    'star-4k': ('star-shaped polygon of 4,096 vertices', lambda: star(4096)),
-    'star-16k': ('star-shaped polygon of 16,384 vertices', lambda: star(16384)),
-    'star-64k': ('star-shaped polygon of 65,536 vertices', lambda: star(65536)),
-    'triangles-20k': ('20,000 triangles in one path', lambda: triangles(20000)),
-    'zigzag-2k': ('self-crossing zigzag of 2,000 vertices', lambda: zigzag(2000)),
-    'zigzag-8k': ('self-crossing zigzag of 8,000 vertices', lambda: zigzag(8000)),
-    'random-32k': ('one LinesTo of 32,767 random points', lambda: random_points(32768)),
+    'star-4k': ('star-shaped polygon of 4,096 vertices', lambda: [('Fill', star(4096))]),
+    'star-16k': ('star-shaped polygon of 16,384 vertices', lambda: [('Fill', star(16384))]),
+    'star-64k': ('star-shaped polygon of 65,536 vertices', lambda: [('Fill', star(65536))]),
+    'triangles-20k': ('20,000 triangles in one path', lambda: [('Fill', triangles(20000))]),
+    'zigzag-2k': ('self-crossing zigzag of 2,000 vertices', lambda: [('Fill', zigzag(2000))]),
+    'zigzag-8k': ('self-crossing zigzag of 8,000 vertices', lambda: [('Fill', zigzag(8000))]),
+    'random-32k': ('one LinesTo of 32,767 random points',
+                   lambda: [('Fill', random_points(32768))]),
+    'clip-star-4k': ('page and star filled through a star of 4,096 vertices',
+                     lambda: clipped_star(4096)),
+    'clip-star-16k': ('page and star filled through a star of 16,384 vertices',
+                      lambda: clipped_star(16384)),
 }
 
 CHUNK = 32767  # LinesTo takes at most this many points
 
 
-def job_text(name, title, subpaths):
+def job_text(name, title, operations):
     out = [
         f'# {name}: {title}. Written by gen_bigpaths.py; do not edit.',
         f'Init {PAGE_W - 1} {PAGE_H - 1} {BAND_H} 600 0x8009',
@@ -105,14 +121,16 @@ def job_text(name, title, subpaths):
         'SetLogicalFunc 0xF0',
         'SetColor 0x000000 0',
     ]
-    for pts in subpaths:
-        out.append(f'MoveTo {pts[0][0]} {pts[0][1]}')
-        rest = pts[1:]
-        for i in range(0, len(rest), CHUNK):
-            chunk = rest[i:i + CHUNK]
-            out.append(f'LinesTo [{" ".join(f"{x} {y}" for x, y in chunk)}] {len(chunk)}')
-        out.append('ClosePath')
-    out += ['Fill 1', 'ClosePage', 'End', '']
+    for operation, subpaths in operations:
+        for pts in subpaths:
+            out.append(f'MoveTo {pts[0][0]} {pts[0][1]}')
+            rest = pts[1:]
+            for i in range(0, len(rest), CHUNK):
+                chunk = rest[i:i + CHUNK]
+                out.append(f'LinesTo [{" ".join(f"{x} {y}" for x, y in chunk)}] {len(chunk)}')
+            out.append('ClosePath')
+        out.append(f'{operation} 1')
+    out += ['ClosePage', 'End', '']
     return '\n'.join(out)
 
 

@@ -188,6 +188,50 @@ void ClipCursor::moveTo(const RegionIndex* region, int32_t b) {
     }
 }
 
+BandView* ClipCursor::view(const RegionIndex* region, int32_t b) {
+    if (viewIndex != region || viewSerial != region->serial || capacity < region->widest) {
+        for (BandView& v : views) {
+            v = BandView();
+        }
+        viewIndex = nullptr;
+        if (capacity < region->widest) {
+            freeAndClear(storage);
+            capacity = 0;
+            storage = static_cast<ClipRun**>(
+                allocBytes(sizeof(ClipRun*) * BAND_VIEWS * static_cast<size_t>(region->widest)));
+            if (storage == nullptr) {
+                return nullptr;
+            }
+            capacity = region->widest;
+        }
+        viewIndex = region;
+        viewSerial = region->serial;
+    }
+    ++clock;
+    BandView* oldest = &views[0];
+    for (BandView& v : views) {
+        if (v.band == b) {
+            v.used = clock;
+            return &v;
+        }
+        oldest = v.used < oldest->used ? &v : oldest;
+    }
+    moveTo(region, b);
+    *oldest = BandView();
+    oldest->band = b;
+    oldest->used = clock;
+    oldest->runs = storage + (oldest - views) * capacity;
+    for (ClipRun* r = first; r != nullptr; r = r->next) {
+        oldest->runs[oldest->count++] = r;
+    }
+    return oldest;
+}
+
+void ClipCursor::release() {
+    freeAndClear(storage);
+    *this = ClipCursor();
+}
+
 namespace {
 
 ClipRun* newRun(RegionIndex* index) {
@@ -349,6 +393,7 @@ ResultCode RegionBuilder::endBand() {
         r = next;
     }
     b.opCount = index->ops.count - b.firstOp;
+    index->widest = order > index->widest ? order : index->widest;
     if (band % CHECKPOINT_BANDS == 0) {
         b.firstCheckpoint = index->checkpoints.count;
         for (ClipRun* r = live; r != nullptr; r = r->next) {

@@ -86,6 +86,7 @@ struct RegionIndex {
     BlockArray<ClipRun*> checkpoints;
     RunBlock* runs = nullptr;
     int32_t runsInBlock = 0;
+    int32_t widest = 0; // most runs in one band
 
     // The lines of band b's pieces (trimmed to the page rectangle).
     int64_t pieceTop(int32_t b) const;
@@ -97,14 +98,43 @@ struct RegionIndex {
 
 void freeRegionIndex(RegionIndex* index);
 
-// Replays the list of live runs of one band of an index.
+// The runs of one band, in order, as an array; with where the pieces met
+// the last trapezoid clipped on the lines hintTop..hintBottom: the runs
+// before runs[hint] lie wholly left of it, so also of any trapezoid right
+// of it on the same lines (the pieces of one sweep band come left to right).
+struct BandView {
+    int32_t band = -1;
+    uint32_t used = 0; // when last used, for reuse
+    ClipRun** runs = nullptr;
+    int32_t count = 0;
+    bool hintValid = false;
+    int64_t hintTop = 0, hintBottom = 0;
+    double hintLeftTop = 0, hintLeftBottom = 0; // its left side's x on the lines
+    int32_t hint = 0;
+};
+
+inline constexpr int32_t BAND_VIEWS = 4;
+
+// Replays the list of live runs of any band of an index, and keeps the last
+// few bands asked for as arrays: a trapezoid meets the bands of its lines
+// one after the other, and the next trapezoid the same bands again.
 struct ClipCursor {
     const RegionIndex* index = nullptr;
     uint64_t serial = 0;
     int32_t band = -1;
     ClipRun* first = nullptr;
+    BandView views[BAND_VIEWS]; // of the region viewIndex
+    const RegionIndex* viewIndex = nullptr;
+    uint64_t viewSerial = 0;
+    ClipRun** storage = nullptr; // BAND_VIEWS arrays of `capacity` runs
+    int32_t capacity = 0;
+    uint32_t clock = 0;
 
+    // The live runs of band b in `first` and their links.
     void moveTo(const RegionIndex* region, int32_t b);
+    // Band b as an array; null when memory runs out.
+    BandView* view(const RegionIndex* region, int32_t b);
+    void release();
 };
 
 // Collects the pieces of a clip region from the band walk.

@@ -79,11 +79,22 @@ ResultCode clipByIndex(ScanState* scan, const Trapezoid& t, const RegionIndex& i
         int64_t lastRow = 0;
         rowsOfRange(y0, y1, q, &firstRow, &lastRow);
         const bool tall = sloped && lastRow - firstRow >= LONG_TRAPEZOID_ROWS;
-        scan->cursor.moveTo(&index, b);
+        BandView* view = scan->cursor.view(&index, b);
+        if (view == nullptr) {
+            return KRYN_ERR_NO_MEMORY;
+        }
         const ClipBand& band = index.bands.at(b);
-        for (const ClipRun* run = scan->cursor.first; run != nullptr; run = run->next) {
+        const double leftTop = xAt(*t.leftEdge, y0);
+        const double leftBottom = xAt(*t.leftEdge, y1);
+        int32_t i = 0;
+        if (!tall && view->hintValid && view->hintTop == y0 && view->hintBottom == y1 &&
+            leftTop >= view->hintLeftTop && leftBottom >= view->hintLeftBottom) {
+            i = view->hint;
+        }
+        int32_t firstMet = -1;
+        for (; i < view->count; ++i) {
             Trapezoid c;
-            if (!index.piece(band, *run, &c)) {
+            if (!index.piece(band, *view->runs[i], &c)) {
                 continue;
             }
             if (!tall) {
@@ -94,11 +105,20 @@ ResultCode clipByIndex(ScanState* scan, const Trapezoid& t, const RegionIndex& i
                 if (side < 0) {
                     continue;
                 }
+                firstMet = firstMet < 0 ? i : firstMet;
             }
             const ResultCode r = emitIntersection(scan, t, c, target);
             if (failed(r)) {
                 return r;
             }
+        }
+        if (!tall) {
+            view->hintValid = true;
+            view->hintTop = y0;
+            view->hintBottom = y1;
+            view->hintLeftTop = leftTop;
+            view->hintLeftBottom = leftBottom;
+            view->hint = firstMet >= 0 ? firstMet : i;
         }
     }
     return KRYN_OK;

@@ -31,7 +31,7 @@ void closeScanState(ScanState* scan) {
     scan->collected = scan->collectedTail = nullptr;
     freeRegionIndex(scan->collectedIndex);
     scan->collectedIndex = nullptr;
-    scan->cursor = ClipCursor();
+    scan->cursor.release();
     freeAndClear(scan->rowSpanPairs);
     scan->bandHeight = 0;
 }
