@@ -48,9 +48,28 @@ void sortEdgeTable(EdgeTable* table) {
     if (table->sorted) {
         return;
     }
+    if (table->edgeCount <= 16) {
+        // Few edges: each goes after those not later than it (stable).
+        Edge* sorted = nullptr;
+        Edge* list = table->edges;
+        while (list != nullptr) {
+            Edge* e = list;
+            list = list->tableNext;
+            Edge** link = &sorted;
+            while (*link != nullptr && !sweepsBefore(e, *link)) {
+                link = &(*link)->tableNext;
+            }
+            e->tableNext = *link;
+            *link = e;
+        }
+        table->edges = sorted;
+        table->sorted = true;
+        return;
+    }
     // Bins of 2^i runs: a higher bin holds older edges, so merging a bin
     // first keeps equal keys in list order (newest first).
     Edge* bins[64] = {};
+    int32_t used = 0;
     Edge* list = table->edges;
     while (list != nullptr) {
         Edge* carry = list;
@@ -62,11 +81,12 @@ void sortEdgeTable(EdgeTable* table) {
             bins[i] = nullptr;
         }
         bins[i] = carry;
+        used = i >= used ? i + 1 : used;
     }
     Edge* sorted = nullptr;
-    for (Edge* bin : bins) {
-        if (bin != nullptr) {
-            sorted = merge(bin, sorted);
+    for (int32_t i = 0; i < used; ++i) {
+        if (bins[i] != nullptr) {
+            sorted = merge(bins[i], sorted);
         }
     }
     table->edges = sorted;
