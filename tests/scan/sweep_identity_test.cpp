@@ -27,7 +27,7 @@ namespace kryn::test {
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__)
-constexpr uint32_t CASES = 1500;
+constexpr uint32_t CASES = 1000;
 #else
 constexpr uint32_t CASES = 10000;
 #endif
