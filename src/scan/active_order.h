@@ -60,10 +60,10 @@ struct WalkNode {
 };
 static_assert(sizeof(WalkNode) == 32);
 
-struct alignas(64) SweepNode {
-    // The walk of a band of several rows reads the order link and the
-    // edge's row stepper, x * 16dy on row stepRow as quotient and rest of
-    // 16dy (see ColumnStepper).
+struct SweepNode {
+    // The order link, and the row stepper of an edge whose stepper does not
+    // fit its WalkNode: x * 16dy on row stepRow as quotient and rest of 16dy
+    // (see ColumnStepper).
     SweepNode* next = nullptr;
     int64_t quotient = 0;
     int64_t rest = 0;

@@ -17,6 +17,8 @@ bool edgeLeftOf(const Edge& a, const Edge& b, int64_t y) {
 
 namespace {
 
+constexpr size_t CACHE_LINE = 64;
+
 // Everything a sweep of n edges needs, in one block: O(n) whatever the
 // number of crossings.
 struct SweepMemory {
@@ -31,17 +33,17 @@ struct SweepMemory {
         const auto count = static_cast<size_t>(n);
         const size_t bytes = count * (sizeof(SweepNode) + sizeof(WalkNode) + sizeof(OrderSlot) +
                                       2 * sizeof(QueueEntry));
-        block = allocBytes(bytes + alignof(SweepNode));
+        block = allocBytes(bytes + CACHE_LINE);
         if (block == nullptr) {
             return false;
         }
+        // Walk nodes first, on a cache line boundary: two to a line.
         auto* at = static_cast<uint8_t*>(block);
-        at += (alignof(SweepNode) - reinterpret_cast<uintptr_t>(at) % alignof(SweepNode)) %
-              alignof(SweepNode);
-        nodes = reinterpret_cast<SweepNode*>(at);
-        at += count * sizeof(SweepNode);
+        at += (CACHE_LINE - reinterpret_cast<uintptr_t>(at) % CACHE_LINE) % CACHE_LINE;
         walk = reinterpret_cast<WalkNode*>(at);
         at += count * sizeof(WalkNode);
+        nodes = reinterpret_cast<SweepNode*>(at);
+        at += count * sizeof(SweepNode);
         slots = reinterpret_cast<OrderSlot*>(at);
         at += count * sizeof(OrderSlot);
         crossings = reinterpret_cast<QueueEntry*>(at);
