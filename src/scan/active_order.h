@@ -34,13 +34,12 @@ struct WalkNode {
     int8_t spare = 0;
 
     int32_t column(bool strict) const { return quotient + (strict ? 1 : (rest > 0 ? 1 : 0)); }
+    // Without a branch: the carry of an edge's rest follows no pattern.
     void advance() {
-        quotient += stepQuotient;
         rest += stepRest;
-        if (rest >= divisor) {
-            rest -= divisor;
-            ++quotient;
-        }
+        const uint32_t carry = rest >= divisor ? 1u : 0u;
+        rest -= divisor & (0u - carry);
+        quotient += stepQuotient + static_cast<int32_t>(carry);
     }
     // Takes a stepper on `row` when its fields fit; false when not.
     bool setStepper(const ColumnStepper& s, int64_t row) {
