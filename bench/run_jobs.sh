@@ -4,7 +4,7 @@
 # memory. Usage: bench/run_jobs.sh [RUNS] [JOB ...]   (default 5 runs; jobs
 # rects rects-grey polys polys-grey floor floor-grey empty; NAME-screen and
 # NAME-cluster for rects, rects-grey, polys and polys-grey play the page
-# through a screen)
+# through a screen, NAME-alpha blends it at a constant alpha of 128)
 set -eu
 cd "$(dirname "$0")/.."
 runs=${1:-5}
@@ -49,6 +49,16 @@ for base in rects rects-grey polys polys-grey; do
     sed "s/^SetLogicalFunc 0xF0.*/&\\nSetScreen {8 8 1 1 hex:${form#*:}} 1/" \
       "$pages/$base.kjob" >"$screened"
   done
+done
+# Blended pages: the same rectangles and polygons laid over the page at a
+# constant alpha of 128 (blending on right after the logical function, each
+# colour opaque in its own alpha byte, so the constant is the one source).
+for base in rects rects-grey polys polys-grey; do
+  blended="$pages/$base-alpha.kjob"
+  [ -f "$blended" ] && continue
+  sed -e "s/^SetLogicalFunc 0xF0.*/&\nAlphaBlend 1\nSetConstAlphaBlend 128/" \
+      -e "s/^SetColor 0x\([0-9A-F]\{6\}\) 0/SetColor 0xFF\1 0/" \
+      "$pages/$base.kjob" >"$blended"
 done
 printf '%-14s %10s %12s\n' job "median s" "peak MiB"
 for job in $jobs; do

@@ -405,6 +405,49 @@ KRYN_EXPORT ResultCode KRYNSetLogicalFunc2(uint16_t code, Engine* e);
  *    times a uniform scale; the page already holds 16383 distinct tiles. */
 KRYN_EXPORT ResultCode KRYNSetScreen(const ScreenTile* tile, uint16_t opaque, Engine* e);
 
+/* ---- Alpha blending ----------------------------------------------------- */
+
+/* Blending lays paint over what a band holds with partial coverage instead
+ * of through the logical function: pixel = (a * paint + (255 - a) * pixel)
+ * / 255 per channel, rounded, with alpha a from 0 (nothing) to 255 (opaque).
+ * The settings belong to the open page (KRYN_ERR_INVALID without one), not
+ * to the graphics state: a page starts with blending off, no constant alpha
+ * and both keys off, and pushes and pops leave them alone.
+ *
+ * Where a painted colour's alpha comes from, while blending is on: the
+ * constant alpha (when below 255) and either key 0 (when on and the
+ * colour's channels lie inside its three ranges) or, with key 0 off, the
+ * colour's own alpha byte (when below 255). No source paints through the
+ * logical function; one blends with it; two blend with their product. An
+ * alpha of 0 paints nothing. So with blending on, colours want an alpha
+ * byte: 0xFF0000FF is opaque red, 0x000000FF paints nothing. Grey pages
+ * read channel 0 and the first range of each key only. */
+
+/* Switches blending on (low byte of `value` non-zero) or off. Blending
+ * takes effect only on devices of level KRYN_LEVEL_ALPHA_BLEND and above;
+ * on any device a non-zero value makes colours travel with their alpha
+ * byte, for the rest of the engine's life until a value of 0. Always
+ * KRYN_OK with a page open. */
+KRYN_EXPORT ResultCode KRYNAlphaBlend(uint16_t value, Engine* e);
+/* Constant alpha 0..255 (255: none). KRYN_ERR_INVALID for other values,
+ * which change nothing. */
+KRYN_EXPORT ResultCode KRYNSetConstAlphaBlend(int32_t value, Engine* e);
+/* Sets a colour key: selector 0 key 0 (paint and screen tiles), any other
+ * selector key 1 (images). `ranges` holds one word per channel 0, 1, 2: low
+ * byte the minimum, high byte the maximum, both inclusive (0xFF00 is the
+ * whole range); colours inside all three take `alpha`. A null `ranges`
+ * turns the key off and keeps its ranges; an alpha of 255 also leaves the
+ * key off. Every value is accepted: KRYN_OK with a page open. */
+KRYN_EXPORT ResultCode KRYNSetAlphaBlendTable(const uint16_t ranges[3], uint8_t alpha,
+                                              uint16_t selector, Engine* e);
+/* Accepted and ignored: no argument is read, the handle may be null, and
+ * nothing is painted or recorded. Always KRYN_OK. KRYNFitImage is the same
+ * operation. */
+KRYN_EXPORT ResultCode KRYNGradientFill(uintptr_t a, uintptr_t b, uintptr_t c, uintptr_t d,
+                                        uintptr_t f, Engine* e);
+KRYN_EXPORT ResultCode KRYNFitImage(uintptr_t a, uintptr_t b, uintptr_t c, uintptr_t d, uintptr_t f,
+                                    Engine* e);
+
 /* ---- Images ------------------------------------------------------------ */
 
 /* Sample formats of ImageDesc.format: rows of rowStride bytes (at least one

@@ -34,40 +34,40 @@ uint32_t screenPhase(const PageRecord* page, const BandEntry* band) {
     return page->deviceLevel < LEVEL_WIDE_FIELDS ? (phase & 0xFF) : phase;
 }
 
-// Writes a paint colour when `differs`, then updates the mirror.
-ResultCode syncColour(DisplayList* list, bool differs, uint32_t colour, ColourWhich which,
-                      uint32_t& mirror, RenderResources* resources) {
-    if (!differs) {
+// Writes one paint colour when the band's colour slots would differ from
+// it, then mirrors what the record set: the three channels always, the
+// whole word (alpha included) when it was the four-byte form. While
+// blending, the alpha byte counts too. Comparing both mirrors (rather than
+// only the one of the current mode) keeps a band right when blending comes
+// and goes: a colour recorded before blending was switched on does not
+// hide a change of colour after it.
+ResultCode syncPaintColour(const PaintDescriptor& p, BandEntry* band, DisplayList* list,
+                           ColourWhich which, RenderResources* resources) {
+    const bool fore = which == COLOUR_FORE;
+    const uint32_t colour = fore ? p.paintColour : p.paintBackColour;
+    uint32_t& plain = fore ? band->lastPaintColour : band->lastPaintBackColour;
+    uint32_t& withAlpha = fore ? band->lastBlendPaintColour : band->lastBlendPaintBackColour;
+    if (sameColour(colour, plain) && (p.blendOn == 0 || colour == withAlpha)) {
         return KRYN_OK;
     }
     const ResultCode r = writePaintColour(list, colour, which, resources);
-    if (r == KRYN_OK) {
-        mirror = colour;
-    }
-    return r;
-}
-
-ResultCode syncColours(const PaintDescriptor& p, BandEntry* band, DisplayList* list,
-                       RenderResources* resources) {
-    if (band->lastFillOpaque == 0) {
-        return syncColour(list, !sameColour(p.paintColour, band->lastPaintColour), p.paintColour,
-                          COLOUR_FORE, band->lastPaintColour, resources);
-    }
-    if (p.blendOn != 0) {
-        ResultCode r = syncColour(list, p.paintColour != band->lastBlendPaintColour, p.paintColour,
-                                  COLOUR_FORE, band->lastBlendPaintColour, resources);
-        if (r == KRYN_OK) {
-            r = syncColour(list, p.paintBackColour != band->lastBlendPaintBackColour,
-                           p.paintBackColour, COLOUR_BACK, band->lastBlendPaintBackColour,
-                           resources);
-        }
+    if (r != KRYN_OK) {
         return r;
     }
-    ResultCode r = syncColour(list, !sameColour(p.paintColour, band->lastPaintColour),
-                              p.paintColour, COLOUR_FORE, band->lastPaintColour, resources);
-    if (r == KRYN_OK) {
-        r = syncColour(list, !sameColour(p.paintBackColour, band->lastPaintBackColour),
-                       p.paintBackColour, COLOUR_BACK, band->lastPaintBackColour, resources);
+    plain = colour;
+    if (resources->alphaMode != 0) {
+        withAlpha = colour;
+        band->bandMonochrome = 0; // the black-and-white renderer has no four-byte colours
+    }
+    return KRYN_OK;
+}
+
+// Transparent fills carry the paint colour only.
+ResultCode syncColours(const PaintDescriptor& p, BandEntry* band, DisplayList* list,
+                       RenderResources* resources) {
+    ResultCode r = syncPaintColour(p, band, list, COLOUR_FORE, resources);
+    if (r == KRYN_OK && band->lastFillOpaque != 0) {
+        r = syncPaintColour(p, band, list, COLOUR_BACK, resources);
     }
     return r;
 }
@@ -80,6 +80,7 @@ ResultCode syncBlendKeys(const PaintDescriptor& p, BandEntry* band, DisplayList*
             return r;
         }
         band->lastBlendSelect = p.blendSelect;
+        band->bandMonochrome = 0;
     }
     if (band->lastBlendSelectA != p.blendSelectA ||
         !std::equal(p.blendDataA, p.blendDataA + 3, band->lastBlendDataA)) {
@@ -90,6 +91,7 @@ ResultCode syncBlendKeys(const PaintDescriptor& p, BandEntry* band, DisplayList*
         }
         band->lastBlendSelectA = p.blendSelectA;
         std::copy_n(p.blendDataA, 3, band->lastBlendDataA);
+        band->bandMonochrome = 0;
     }
     return KRYN_OK;
 }
@@ -105,6 +107,7 @@ ResultCode syncBandState(PageRecord* page, BandEntry* band, DisplayList* list) {
             return r;
         }
         band->lastBlendOn = p.blendOn;
+        band->bandMonochrome = 0;
     }
     if (band->lastLogicalFunction != p.logicalFunction) {
         if ((r = writeRop(list, p.logicalFunction, resources)) != KRYN_OK) {

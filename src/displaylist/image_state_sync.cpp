@@ -38,6 +38,14 @@ ResultCode syncPhase(PageRecord* page, BandEntry* band, DisplayList* list, bool 
     return KRYN_OK;
 }
 
+// The black-and-white renderer reads no four-byte colour record: a band
+// that receives one goes to the general renderer.
+void clearMonochromeForAlpha(const PageRecord* page, BandEntry* band) {
+    if (page->resources->alphaMode != 0) {
+        band->bandMonochrome = 0;
+    }
+}
+
 // Image colours: only when they changed (masks), or every time (1-bit images).
 ResultCode syncImageColours(PageRecord* page, BandEntry* band, DisplayList* list, bool always) {
     const PaintDescriptor& p = page->paint;
@@ -51,6 +59,7 @@ ResultCode syncImageColours(PageRecord* page, BandEntry* band, DisplayList* list
             return r;
         }
         fore = p.imageColour;
+        clearMonochromeForAlpha(page, band);
     }
     if (always || ((p.imageBackColour ^ back) & mask) != 0) {
         const ResultCode r =
@@ -59,6 +68,7 @@ ResultCode syncImageColours(PageRecord* page, BandEntry* band, DisplayList* list
             return r;
         }
         back = p.imageBackColour;
+        clearMonochromeForAlpha(page, band);
     }
     return KRYN_OK;
 }
@@ -74,6 +84,7 @@ ResultCode syncKeyOneData(PageRecord* page, BandEntry* band, DisplayList* list) 
     if (r == KRYN_OK) {
         band->lastBlendSelectB = p.blendSelectB;
         std::copy_n(p.blendDataB, 3, band->lastBlendDataB);
+        band->bandMonochrome = 0;
     }
     return r;
 }

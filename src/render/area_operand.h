@@ -42,4 +42,9 @@ enum AreaGeometry : uint8_t {
 
 using AreaPainter = void (*)(PaintState& state, const AreaOperand& operand);
 
+// A blend member: answers false when no alpha source is in play (the plain
+// member then paints the record through the raster operation), true when
+// it painted or, for an alpha of 0, left the band alone.
+using AreaBlendPainter = bool (*)(PaintState& state, const AreaOperand& operand);
+
 } // namespace kryn

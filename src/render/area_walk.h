@@ -109,10 +109,9 @@ void walkColumnRuns(PaintState& state, const AreaOperand& op, Paint& paint) {
     }
 }
 
-// One member: the walk of geometry G with a fresh paint of type Paint.
-template <class Paint, AreaGeometry G>
-void paintAreaWith(PaintState& state, const AreaOperand& op) {
-    Paint paint(state);
+// The walk of geometry G with a given paint.
+template <AreaGeometry G, class Paint>
+void walkArea(PaintState& state, const AreaOperand& op, Paint& paint) {
     switch (G) {
     case AREA_RECT:
         walkRect(state, op, paint);
@@ -130,6 +129,13 @@ void paintAreaWith(PaintState& state, const AreaOperand& op) {
         walkColumnRuns(state, op, paint);
         break;
     }
+}
+
+// One member: the walk of geometry G with a fresh paint of type Paint.
+template <class Paint, AreaGeometry G>
+void paintAreaWith(PaintState& state, const AreaOperand& op) {
+    Paint paint(state);
+    walkArea<G>(state, op, paint);
 }
 
 } // namespace kryn

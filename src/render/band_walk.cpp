@@ -167,15 +167,15 @@ void playImage(BandPlay& play, const uint8_t* r) {
     const uint32_t nibble = op.kind >> 4;
     s.scaleX = op.scaleX;
     s.scaleY = op.scaleY;
+    const ImageBlendPainter blend = s.blendOn != 0 ? play.families.imageBlend[nibble] : nullptr;
     ImagePainter painter = nullptr;
-    if (s.blendOn != 0) {
-        painter = play.families.imageBlend[nibble];
-    } else if (useDirectScaled(play, op) && play.families.directScaled != nullptr) {
+    if (useDirectScaled(play, op) && play.families.directScaled != nullptr) {
         painter = play.families.directScaled;
     } else {
         painter = play.families.image[nibble];
     }
-    if (painter != nullptr && op.data != nullptr) {
+    const bool blended = op.data != nullptr && blend != nullptr && blend(s, op);
+    if (!blended && painter != nullptr && op.data != nullptr) {
         painter(s, op);
         ImagePainter after = play.families.afterImage[nibble];
         if (s.blendOn == 0 && after != nullptr && flattensAfter(play, op)) {
@@ -190,11 +190,9 @@ void playImage(BandPlay& play, const uint8_t* r) {
 void playMask(BandPlay& play, const uint8_t* r) {
     PaintState& s = play.state;
     const ImageOperand op = readImage(r);
-    ImagePainter painter = s.blendOn != 0 ? play.families.maskBlend : nullptr;
-    if (painter == nullptr) {
-        painter = play.families.mask;
-    }
-    if (painter != nullptr && op.data != nullptr) {
+    const ImageBlendPainter blend = s.blendOn != 0 ? play.families.maskBlend : nullptr;
+    const ImagePainter painter = play.families.mask;
+    if (op.data != nullptr && !(blend != nullptr && blend(s, op)) && painter != nullptr) {
         painter(s, op);
     }
     const bool inked = play.variant == BAND_COLOUR && s.colour[SLOT_IMAGE] != 0;

@@ -27,4 +27,9 @@ struct ImageOperand {
 
 using ImagePainter = void (*)(PaintState& state, const ImageOperand& operand);
 
+// A blend member: answers false when no blend setting applies to the image
+// (the plain member then paints it), true when it painted (or, for an alpha
+// of 0, decided to paint nothing).
+using ImageBlendPainter = bool (*)(PaintState& state, const ImageOperand& operand);
+
 } // namespace kryn

@@ -58,6 +58,10 @@ void initPaintState(PaintState& state, BandRenderer& renderer, bool grey) {
     state.colour[SLOT_IMAGE_BACK] = white;
     state.colour[SLOT_PAINT] = 0;
     state.colour[SLOT_PAINT_BACK] = white;
+    if (!grey) {
+        state.colourAlpha[SLOT_IMAGE_BACK] = white;
+        state.colourAlpha[SLOT_PAINT_BACK] = white;
+    }
     state.box = &renderer.box;
     resetDirtyBox(state.secondBox, renderer.width, renderer.height);
     setPaintRop(state, 0xA8);

@@ -47,6 +47,7 @@ struct PaintState {
     int32_t tileKind;     // 0 none, 1 one bit a pixel, else one raster pixel a tile pixel
     int32_t screenPhaseX; // always 0
     int32_t screenPhaseY;
+    const uint8_t* tileAlpha; // tiles whose pixels carry alpha: a byte a pixel; else null
 
     uint8_t imageOpaque; // 0-bits of 1-bit images take the image back colour
     uint8_t fillOpaque;  // 0-bits of 1-bit screens take the paint back colour
@@ -57,7 +58,9 @@ struct PaintState {
 
     // 8-bit rasters: the grey byte in bits 0-7; 32-bit rasters: 0x00BBGGRR.
     uint32_t colour[4];
-    // 32-bit rasters: the colour with its alpha byte on top; 8-bit: the alpha.
+    // 32-bit rasters: the colour with its alpha byte on top (defaults 0,
+    // 0xFFFFFF, 0, 0xFFFFFF: the band mirrors' starting values, alpha 0);
+    // 8-bit rasters: the alpha byte (default 0), the grey being colour[].
     uint32_t colourAlpha[4];
 
     uint32_t xPhase;

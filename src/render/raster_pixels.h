@@ -3,6 +3,8 @@
 // operation, and the row loops those operations use.
 #pragma once
 
+#include "paint/blend_arithmetic.h"
+#include "render/blend_rows.h"
 #include "render/paint_state.h"
 
 #include <algorithm>
@@ -59,6 +61,20 @@ struct GreyPixels {
         Pixel operator()(Pixel d) const { return fn(s, p, d); }
     };
     static Rop rop(const PaintState& state, uint32_t s, uint32_t p) { return {state.rop8, s, p}; }
+
+    // Blending, which replaces the raster operation: the ink laid over D.
+    static Pixel blend(Pixel d, const BlendInk& ink, uint32_t) {
+        return static_cast<Pixel>(ink.channel(0, d));
+    }
+    static void blendRow(Pixel* at, int32_t n, const BlendInk& ink, uint32_t) {
+        blendRowBytes(at, n, ink);
+    }
+    // Tile pixel p laid over D with the weights of its alpha.
+    static Pixel blendSample(Pixel d, Pixel p, BlendWeights w, uint32_t) {
+        return static_cast<Pixel>(blendWeighted(w, p, d));
+    }
+    // The channels a colour key tests.
+    static uint32_t channels(Pixel p) { return p; }
 };
 
 // 32-bit colour: one 0xTTBBGGRR word per pixel; area paint carries the
@@ -96,6 +112,22 @@ struct ColourPixels {
     static Rop rop(const PaintState& state, uint32_t s, uint32_t p) {
         return {state.rop24, s, p, state.tagGraphicsWord};
     }
+
+    // Blending, which replaces the raster operation: each channel of the ink
+    // laid over D's, and the tag word of what paints.
+    static Pixel blend(Pixel d, const BlendInk& ink, uint32_t tag) {
+        return ink.channel(0, d & 0xFF) | ink.channel(1, (d >> 8) & 0xFF) << 8 |
+               ink.channel(2, (d >> 16) & 0xFF) << 16 | tag;
+    }
+    static void blendRow(Pixel* at, int32_t n, const BlendInk& ink, uint32_t tag) {
+        blendRowWords(at, n, ink, tag);
+    }
+    static Pixel blendSample(Pixel d, Pixel p, BlendWeights w, uint32_t tag) {
+        return blendWeighted(w, p & 0xFF, d & 0xFF) |
+               blendWeighted(w, (p >> 8) & 0xFF, (d >> 8) & 0xFF) << 8 |
+               blendWeighted(w, (p >> 16) & 0xFF, (d >> 16) & 0xFF) << 16 | tag;
+    }
+    static uint32_t channels(Pixel p) { return p & 0xFFFFFFu; }
 };
 
 } // namespace kryn

@@ -18,6 +18,9 @@ struct RendererTile {
     int32_t width;
     int32_t height;
     const uint8_t* base; // tile rows, usually stored right after the node
+    // Tiles whose pixels carry alpha: one alpha byte a pixel, rows of
+    // `width` bytes, stored after the pixels; null for every other tile.
+    const uint8_t* alpha = nullptr;
 };
 
 // A colour table: 256 entries whatever its length, those past its last

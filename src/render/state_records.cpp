@@ -21,6 +21,7 @@ void selectScreen(PaintState& state, const BandRenderer& renderer, const uint8_t
         state.tileWidth = state.tileHeight = state.tileStride = state.tileKind = 0;
         state.tileRowBytes = 0;
         state.screenPhaseY = 0;
+        state.tileAlpha = nullptr;
         updateScreenMember(state);
         return;
     }
@@ -38,6 +39,7 @@ void selectScreen(PaintState& state, const BandRenderer& renderer, const uint8_t
         state.tileWidth = tile->width;
         state.tileHeight = tile->height;
         state.tileKind = tile->kind;
+        state.tileAlpha = tile->alpha;
         if (tile->kind == RENDERER_TILE_BITS) {
             // Rows of whole 32-bit words.
             state.tileRowBytes = (tile->width + 31) / 32 * 4;

@@ -2,7 +2,9 @@
 // format, so that the screened members read one tile value per pixel
 // without converting. 1-bit tiles are shared with the tile registry; 8-bit
 // rasters take colour tiles reduced to their first channel, 32-bit rasters
-// take 8-bit tiles widened to grey words.
+// take 8-bit tiles widened to grey words. Tiles whose pixels carry alpha
+// (depths 124 and 254) also get their alphas as a plane of bytes, which the
+// blending members read beside the pixels.
 #pragma once
 
 #include "engine/result_codes.h"

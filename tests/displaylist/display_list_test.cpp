@@ -61,25 +61,6 @@ TEST_F(DisplayListTest, ARecordEndingAtTheFillLimitStaysAndTheNextStartsABlockAf
     EXPECT_EQ(offsetInBlock(first, first->writePointer), BLOCK_FILL_LIMIT);
 }
 
-TEST_F(DisplayListTest, RecordsWalkBackInOrderAcrossBlocks) {
-    openPage(5);
-    const int count = 3000; // about three blocks of 4-byte records
-    for (int i = 0; i < count; ++i) {
-        uint8_t* at = reserveRecord(list_, 4);
-        ASSERT_NE(at, nullptr);
-        at[0] = DL_OP_COLUMN;
-        storeU16(at + 2, static_cast<uint16_t>(i));
-    }
-    int seen = 0;
-    walkRecords(list_, [&](uint8_t op, const uint8_t* record) {
-        EXPECT_EQ(op, DL_OP_COLUMN);
-        EXPECT_EQ(loadU16(record + 2), seen);
-        ++seen;
-        return true;
-    });
-    EXPECT_EQ(seen, count);
-}
-
 TEST_F(DisplayListTest, ChunksSplitAfterTheLimitInSerialisedModesWithExactSizes) {
     openPage(0);
     ASSERT_NE(list_->pendingSizeSlot, nullptr);
@@ -96,16 +77,6 @@ TEST_F(DisplayListTest, ChunksSplitAfterTheLimitInSerialisedModesWithExactSizes)
     EXPECT_EQ(loadU32(firstSlot), CHUNK_LIMIT);
     EXPECT_EQ(list_->chunkStart, CHUNK_LIMIT);
     EXPECT_EQ(loadU32(list_->pendingSizeSlot), 0u); // open until serialised
-}
-
-TEST_F(DisplayListTest, HostModesNeverSplitChunks) {
-    openPage(9); // opens with a chunk record, but plays on the host
-    uint8_t* slot = list_->pendingSizeSlot;
-    for (uint32_t i = 0; i < CHUNK_LIMIT / 4 + 100; ++i) {
-        appendColumn();
-    }
-    EXPECT_EQ(list_->pendingSizeSlot, slot);
-    EXPECT_EQ(list_->chunkStart, 0u);
 }
 
 TEST_F(DisplayListTest, AChunkThatCannotStartIsRetriedAtTheNextRecord) {
@@ -180,22 +151,6 @@ TEST(DisplayListRelease, FreeingAListFreesOwnedArraysButNotImageData) {
     }
     EXPECT_EQ(KRYNPlatformLiveBlocks(), live + 1); // only the image data is left
     GlobalFree(imageData);
-}
-
-TEST(DisplayListRelease, ListsOfEveryBandAreReleasedWithThePage) {
-    const uint64_t live = KRYNPlatformLiveBlocks();
-    for (int16_t mode : {0, 3, 5, 8}) {
-        EnginePtr e = makeEngine(199, 199, 16);
-        ASSERT_EQ(KRYNNewPage(mode, e.get()), KRYN_OK);
-        PageRecord* page = pageOf(e.get());
-        for (int32_t band = 0; band < page->bandCount; band += 2) {
-            recordBytes(e.get(), band, {DL_OP_RECT, 0, 0, 0, 4, 0, 1, 0}, 8);
-        }
-        page->bands[1].runBuffer = static_cast<uint8_t*>(GlobalAlloc(GMEM_FIXED, 32));
-        EXPECT_EQ(mode % 2 == 0 ? KRYNDisposePage(e.get()) : KRYNClosePage(nullptr, 0, e.get()),
-                  KRYN_OK);
-    }
-    EXPECT_EQ(KRYNPlatformLiveBlocks(), live);
 }
 
 } // namespace

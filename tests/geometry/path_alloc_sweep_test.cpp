@@ -1,7 +1,7 @@
 // Failed allocations while building paths: every call answers OK or
 // no-memory, a failed call leaves the path exactly as before and succeeds
 // when retried with memory back, and nothing is left allocated once the
-// engine ends.
+// engine ends. And the pool's blocks after NewPath.
 #include "geometry/path_dump.h"
 #include "support/alloc_sweep.h"
 
@@ -85,6 +85,27 @@ TEST(PathAllocationSweep, EveryFailureLeavesThePathAsItWas) {
     const SweepReport report = sweepAllocationFailures(buildPaths);
     EXPECT_GT(report.allocations, 20u); // several pool blocks and state copies were taken
     EXPECT_EQ(report.failedRuns, report.allocations);
+}
+
+// NewPath returns the pool's blocks but its first, and counts records anew.
+TEST(PathPool, NewPathReturnsAllButTheFirstBlock) {
+    EnginePtr engine = makeEngine(999, 999, 64);
+    Engine* e = engine.get();
+    ASSERT_EQ(KRYNNewPage(3, e), KRYN_OK);
+    const uint64_t live = KRYNPlatformLiveBlocks();
+    ASSERT_EQ(KRYNMoveTo(0, 0, e), KRYN_OK);
+    int32_t pts[80];
+    for (int i = 0; i < 40; ++i) {
+        pts[2 * i] = i;
+        pts[2 * i + 1] = i * 2;
+    }
+    ASSERT_EQ(KRYNLinesTo(pts, 40, e), KRYN_OK);
+    EXPECT_EQ(pageOf(e)->pathPool.recordCount, 41u);
+    EXPECT_GT(KRYNPlatformLiveBlocks(), live + 1); // several blocks
+    ASSERT_EQ(KRYNNewPath(e), KRYN_OK);
+    EXPECT_EQ(topOf(e).path.last, nullptr);
+    EXPECT_EQ(KRYNPlatformLiveBlocks(), live + 1); // the first block is kept
+    EXPECT_EQ(pageOf(e)->pathPool.recordCount, 0u);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
-// Paint setup: tones, the descriptor fields by tile depth, and the reduced
-// logical function.
+// Paint setup: the tone of a paint by tile depth, colours, opacity and
+// blending, the descriptor fields it fills, and the reduced logical
+// function, checked against the truth table of every code.
 #include "paint/paint_setup.h"
 
 #include "paint/rop_codes.h"
@@ -14,135 +15,75 @@ namespace {
 
 constexpr uint32_t SENTINEL = 0x5EC0DE;
 
-PaintDescriptor sentinelDescriptor() {
-    PaintDescriptor paint;
-    paint.paintColour = SENTINEL;
-    paint.paintBackColour = SENTINEL;
-    paint.paintTone = 7;
-    return paint;
-}
-
-GraphicsState tiledState(uint8_t depth, int32_t height) {
-    GraphicsState state;
-    static const uint8_t pixels[4] = {};
-    state.screen = ScreenTile{pixels, 8, height, 4, depth};
-    return state;
-}
-
 TEST(PaintSetup, SolidToneIsExtremeOnlyWhenAllThreeChannelsAre) {
-    EXPECT_EQ(solidTone(0x000000), TONE_ZERO);
-    EXPECT_EQ(solidTone(0xFFFFFF), TONE_ONE);
-    EXPECT_EQ(solidTone(0xFF00FF), TONE_MIXED); // every channel extreme, not grey
-    EXPECT_EQ(solidTone(0x808080), TONE_MIXED);
-    EXPECT_EQ(solidTone(0xFF000000), TONE_ZERO); // alpha does not count
-    EXPECT_EQ(solidTone(0x12FFFFFF), TONE_ONE);
-}
-
-TEST(PaintSetup, UntiledPaintCopiesTheColourAndIsMixedEvenForBlackAndWhite) {
-    for (uint32_t colour : {0x000000u, 0xFFFFFFu, 0x808080u}) {
-        GraphicsState state;
-        state.colour = colour;
-        state.tileOpaque = 0;
-        PaintDescriptor paint = sentinelDescriptor();
-        setupPaint(state, paint);
-        EXPECT_EQ(paint.paintColour, colour);
-        EXPECT_EQ(paint.paintBackColour, SENTINEL);
-        EXPECT_EQ(paint.paintTone, TONE_MIXED);
-        EXPECT_EQ(paint.fillOpaque, 0);
-        EXPECT_EQ(paint.screenCellHeight, 0);
+    const struct {
+        uint32_t colour, tone;
+    } cases[] = {{0x000000, TONE_ZERO},  {0xFFFFFF, TONE_ONE},    {0xFF00FF, TONE_MIXED},
+                 {0x808080, TONE_MIXED}, {0xFF000000, TONE_ZERO}, {0x12FFFFFF, TONE_ONE}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(solidTone(c.colour), c.tone) << std::hex << c.colour; // alpha does not count
     }
 }
 
-TEST(PaintSetup, UntiledBlackIsMixedYetItsReducedDefaultCodePaintsWhatZeroWould) {
-    GraphicsState state; // black paint, default code 0xA8, no tile
-    PaintDescriptor paint;
-    setupPaint(state, paint);
-    ASSERT_EQ(paint.paintTone, TONE_MIXED);
-    ASSERT_EQ(setEffectiveRop(state.logicalFunction, paint, false), 0xA0u);
-    // P is the black paint colour; S is whatever the renderer passes.
-    for (Operands o : everyBitCombination(3)) {
-        EXPECT_EQ(ropFn8(0xA0)(o.s, paint.paintColour, o.d), ropFn8(0x00)(o.s, 0, o.d));
-        EXPECT_EQ(ropFn24(0xA0)(o.s, paint.paintColour, o.d, 0x24000000),
-                  ropFn24(0x00)(o.s, 0, o.d, 0x24000000));
-    }
-}
-
-TEST(PaintSetup, OneBitTileToneByColoursOpacityAndBlending) {
-    struct Case {
+// Untiled paint and 1-bit tiles take their tone from the colours; untiled
+// paint is mixed even in black or white (its reduced codes paint the same).
+TEST(PaintSetup, ToneByTileColoursOpacityAndBlending) {
+    const struct {
+        uint8_t depth; // 0: no tile
         uint32_t colour, backColour;
         uint16_t opaque;
         uint8_t blendOn;
         uint32_t tone;
     } cases[] = {
-        {0x000000, 0xFFFFFF, 1, 0, TONE_MIXED}, // opaque black on white
-        {0x000000, 0x000000, 1, 0, TONE_ZERO},     {0xFFFFFF, 0xFFFFFF, 1, 0, TONE_ONE},
-        {0x12000000, 0x34000000, 1, 0, TONE_ZERO}, // alpha bytes differ
-        {0x808080, 0x808080, 1, 0, TONE_MIXED},    {0xFF00FF, 0xFF00FF, 1, 0, TONE_MIXED},
-        {0x000000, 0xFFFFFF, 0, 0, TONE_ZERO}, // transparent: the zero bits paint nothing
-        {0xFFFFFF, 0x000000, 0, 0, TONE_ONE},      {0xFF00FF, 0xFFFFFF, 0, 0, TONE_MIXED},
-        {0x000000, 0x000000, 1, 1, TONE_MIXED}, // blending
-        {0xFFFFFF, 0xFFFFFF, 0, 1, TONE_MIXED},
+        {0, 0x000000, 0x000000, 0, 0, TONE_MIXED},    {0, 0xFFFFFF, 0xFFFFFF, 1, 0, TONE_MIXED},
+        {1, 0x000000, 0xFFFFFF, 1, 0, TONE_MIXED}, // opaque black on white
+        {1, 0x000000, 0x000000, 1, 0, TONE_ZERO},     {1, 0xFFFFFF, 0xFFFFFF, 1, 0, TONE_ONE},
+        {1, 0x12000000, 0x34000000, 1, 0, TONE_ZERO}, // alpha bytes differ
+        {1, 0x808080, 0x808080, 1, 0, TONE_MIXED},    {1, 0xFF00FF, 0xFF00FF, 1, 0, TONE_MIXED},
+        {1, 0x000000, 0xFFFFFF, 0, 0, TONE_ZERO}, // transparent: the zero bits paint nothing
+        {1, 0xFFFFFF, 0x000000, 0, 0, TONE_ONE},      {1, 0xFF00FF, 0xFFFFFF, 0, 0, TONE_MIXED},
+        {1, 0x000000, 0x000000, 1, 1, TONE_MIXED}, // blending
+        {1, 0xFFFFFF, 0xFFFFFF, 0, 1, TONE_MIXED},
     };
-    for (const Case& c : cases) {
-        GraphicsState state = tiledState(1, 16);
+    static const uint8_t pixels[4] = {};
+    for (const auto& c : cases) {
+        GraphicsState state;
+        if (c.depth != 0) {
+            state.screen = ScreenTile{pixels, 8, 16, 4, c.depth};
+        }
         state.colour = c.colour;
         state.backColour = c.backColour;
         state.tileOpaque = c.opaque;
-        PaintDescriptor paint = sentinelDescriptor();
+        PaintDescriptor paint;
+        paint.paintBackColour = SENTINEL;
         paint.blendOn = c.blendOn;
         setupPaint(state, paint);
         EXPECT_EQ(paint.paintTone, c.tone) << std::hex << c.colour << " on " << c.backColour
                                            << " opaque " << c.opaque << " blend " << +c.blendOn;
         EXPECT_EQ(paint.paintColour, c.colour);
-        EXPECT_EQ(paint.paintBackColour, c.backColour);
+        EXPECT_EQ(paint.paintBackColour, c.depth != 0 ? c.backColour : SENTINEL);
         EXPECT_EQ(paint.fillOpaque, c.opaque);
-        EXPECT_EQ(paint.screenCellHeight, 16);
+        EXPECT_EQ(paint.screenCellHeight, c.depth != 0 ? 16 : 0);
     }
 }
 
 TEST(PaintSetup, ColourTilesTakeTheirToneFromTileKindAndLeaveTheColours) {
-    for (uint8_t depth : {uint8_t{8}, uint8_t{24}, uint8_t{254}}) {
+    static const uint8_t pixels[4] = {};
+    for (uint8_t depth : {uint8_t{8}, uint8_t{24}, uint8_t{254}, uint8_t{124}}) {
         for (uint32_t kind : {TONE_ZERO, TONE_ONE, TONE_MIXED}) {
-            GraphicsState state = tiledState(depth, 5);
+            GraphicsState state;
+            state.screen = ScreenTile{pixels, 8, 5, 4, depth};
             state.tileKind = kind;
             state.colour = 0x123456;
-            PaintDescriptor paint = sentinelDescriptor();
+            PaintDescriptor paint;
+            paint.paintColour = SENTINEL;
             setupPaint(state, paint);
-            EXPECT_EQ(paint.paintTone, kind) << +depth;
-            EXPECT_EQ(paint.paintColour, SENTINEL);
-            EXPECT_EQ(paint.paintBackColour, SENTINEL);
+            // The alpha tile (124) paints with the colour, like an untiled paint.
+            EXPECT_EQ(paint.paintTone, depth == 124 ? TONE_MIXED : kind) << +depth;
+            EXPECT_EQ(paint.paintColour, depth == 124 ? 0x123456u : SENTINEL);
             EXPECT_EQ(paint.screenCellHeight, 5);
             EXPECT_EQ(paint.fillOpaque, 1);
         }
-    }
-    // The alpha tile paints with the colour, like an untiled paint.
-    GraphicsState state = tiledState(124, 5);
-    state.tileKind = TONE_ZERO;
-    state.colour = 0x123456;
-    PaintDescriptor paint = sentinelDescriptor();
-    setupPaint(state, paint);
-    EXPECT_EQ(paint.paintTone, TONE_MIXED);
-    EXPECT_EQ(paint.paintColour, 0x123456u);
-}
-
-TEST(EffectiveRop, DefaultCodeByTone) {
-    const struct {
-        uint32_t tone, reduced;
-    } cases[] = {{TONE_ZERO, 0x00}, {TONE_ONE, 0xAA}, {TONE_MIXED, 0xA0}};
-    for (const auto& c : cases) {
-        PaintDescriptor paint;
-        paint.paintTone = c.tone;
-        EXPECT_EQ(setEffectiveRop(0xA8, paint, false), c.reduced);
-        EXPECT_EQ(paint.logicalFunction, c.reduced);
-        EXPECT_EQ(paint.logicalFunction2, 0xA8u);
-    }
-}
-
-TEST(EffectiveRop, SourceXorDestinationWithoutASourcePaintsNothingForAnyTone) {
-    for (uint32_t tone : {TONE_ZERO, TONE_ONE, TONE_MIXED}) {
-        PaintDescriptor paint;
-        paint.paintTone = tone;
-        EXPECT_EQ(setEffectiveRop(0x66, paint, false), uint32_t{ROP_DESTINATION});
     }
 }
 
@@ -157,6 +98,7 @@ TEST(EffectiveRop, ReducedCodePaintsWhatTheCodeDoesWithTheFixedOperands) {
                 paint.paintTone = tone;
                 const uint32_t reduced = setEffectiveRop(code, paint, sourceUsed);
                 ASSERT_LT(reduced, 256u);
+                ASSERT_EQ(paint.logicalFunction, reduced);
                 for (Operands o : everyBitCombination(1)) {
                     const uint32_t s = sourceUsed ? o.s : 0;
                     const uint32_t p = tone == TONE_MIXED ? o.p : toneP[tone];

@@ -1,5 +1,7 @@
 // Every raster-operation routine against the truth-table definition of its
-// code, colour bits and tag byte.
+// code, colour bits and tag byte; the code sets against what the routines do
+// and against the published lists.
+#include "paint/rop_codes.h"
 #include "paint/rop_table.h"
 
 #include "paint/rop_test_support.h"
@@ -22,9 +24,11 @@ TEST(RopTable, EveryByteRoutineAppliesItsTruthTableBitByBitToTheLowBytes) {
     for (int i = 0; i < 64; ++i) {
         operands.push_back({next(), next(), next()});
     }
+    std::set<RopFn8> distinct; // renderers compare entries, so each code has its own
     for (uint32_t code = 0; code < 256; ++code) {
         const RopFn8 fn = ropFn8(code);
         ASSERT_NE(fn, nullptr);
+        distinct.insert(fn);
         ASSERT_EQ(fn, ROP_TABLE[code].fn8);
         for (Operands o : operands) {
             // Bits above the low byte are noise the routine must ignore.
@@ -33,33 +37,7 @@ TEST(RopTable, EveryByteRoutineAppliesItsTruthTableBitByBitToTheLowBytes) {
                 << std::hex << "code " << code << " s " << o.s << " p " << o.p << " d " << o.d;
         }
     }
-}
-
-TEST(RopTable, EveryRoutineIsItsOwnSoRenderersCanCompareEntries) {
-    std::set<RopFn8> bytes;
-    std::set<RopFn24> pixels;
-    for (uint32_t code = 0; code < 256; ++code) {
-        bytes.insert(ropFn8(code));
-        pixels.insert(ropFn24(code));
-    }
-    EXPECT_EQ(bytes.size(), 256u);
-    EXPECT_EQ(pixels.size(), 256u);
-}
-
-TEST(RopTable, PublishedCodesComputeTheirNamedFunctions) {
-    const uint32_t s = 0x0F, p = 0x33, d = 0x55;
-    EXPECT_EQ(ropFn8(0xA8)(s, p, d), 0x15); // D AND (P OR S)
-    EXPECT_EQ(ropFn8(0xF0)(s, p, d), p);
-    EXPECT_EQ(ropFn8(0xCC)(s, p, d), s);
-    EXPECT_EQ(ropFn8(0xAA)(s, p, d), d);
-    EXPECT_EQ(ropFn8(0x00)(s, p, d), 0x00);
-    EXPECT_EQ(ropFn8(0xFF)(s, p, d), 0xFF);
-    EXPECT_EQ(ropFn8(0x5A)(s, p, d), p ^ d);
-    EXPECT_EQ(ropFn8(0x66)(s, p, d), s ^ d);
-    EXPECT_EQ(ropFn8(0x88)(s, p, d), s & d);
-    EXPECT_EQ(ropFn8(0xEE)(s, p, d), s | d);
-    EXPECT_EQ(ropFn8(0xB8)(s, p, d), p ^ (s & (p ^ d)));
-    EXPECT_EQ(ropFn8(0xE2)(s, p, d), d ^ (s & (p ^ d)));
+    EXPECT_EQ(distinct.size(), 256u);
 }
 
 // The tag-keeping table, stated independently of the engine's.
@@ -120,8 +98,10 @@ TEST(RopTable, EveryPixelRoutineComputesColourBitsAndTagByTheTable) {
     const std::vector<Operands> operands = pixelOperands();
     const uint32_t sTag = 0x5A000000, pTag = 0xC3000000, dTag = 0x81000000;
     const uint32_t t = 0x24000000 | 0x000F0F; // the colour bits of t are ignored
+    std::set<RopFn24> distinct;
     for (uint32_t code = 0; code < 256; ++code) {
         const RopFn24 fn = ropFn24(code);
+        distinct.insert(fn);
         ASSERT_EQ(fn, ROP_TABLE[256 + code].fn24);
         for (Operands o : operands) {
             const uint32_t expected = referenceRop(code, o.s, o.p, o.d, 24) |
@@ -130,26 +110,60 @@ TEST(RopTable, EveryPixelRoutineComputesColourBitsAndTagByTheTable) {
                 << std::hex << "code " << code << " s " << o.s << " p " << o.p << " d " << o.d;
         }
     }
+    EXPECT_EQ(distinct.size(), 256u);
 }
 
-TEST(RopTable, CodesOutsideTheTableThatReduceToDStillPaintTheTag) {
-    const uint32_t dTag = 0x81000000, t = 0x24000000;
-    // 0x2A is D AND NOT (P AND S): with S zero it leaves D, yet paints T's tag.
-    EXPECT_EQ(ropFn24(0x2A)(0x000000, 0x123456, 0x3355AA | dTag, t), 0x3355AA | t);
-    // 0x8A is D AND (S OR NOT P): with P zero it leaves D.
-    EXPECT_EQ(ropFn24(0x8A)(0x123456, 0x000000, 0x3355AA | dTag, t), 0x3355AA | t);
-}
-
-TEST(RopTable, PixelRoutineExamples) {
-    const uint32_t d = 0x81123456, t = 0x24000000;
-    // S AND D with S all ones: D unchanged, its own tag included.
-    EXPECT_EQ(ropFn24(0x88)(0x77FFFFFF, 0x00ABCDEF, d, t), d);
-    EXPECT_EQ(ropFn24(0x88)(0x77FFFFFE, 0x00ABCDEF, d, t), (0x123456 & 0xFFFFFE) | t);
-    EXPECT_EQ(ropFn24(0x00)(0x11111111, 0x22222222, d, t), t);
-    EXPECT_EQ(ropFn24(0xFF)(0x11111111, 0x22222222, d, t), t | 0xFFFFFF);
-    for (uint32_t p : {0x000000u, 0xFFFFFFu, 0x00FF00u}) {
-        EXPECT_EQ(ropFn24(0x5A)(0, p | 0x99000000, d, t), ((p ^ d) & 0xFFFFFF) | (d & TAG));
+// The byte routine of the code never changes when only S changes.
+bool routineIgnoresSource(uint32_t code) {
+    const RopFn8 fn = ropFn8(code);
+    for (Operands o : everyBitCombination(1)) {
+        if (fn(o.s, o.p, o.d) != fn(0x00, o.p, o.d) || fn(o.s, o.p, o.d) != fn(0xFF, o.p, o.d)) {
+            return false;
+        }
     }
+    return true;
+}
+
+// Painting a byte twice with the same pattern differs from painting it once.
+bool paintingTwiceDiffers(uint32_t code) {
+    const RopFn8 fn = ropFn8(code);
+    for (Operands o : everyBitCombination(1)) {
+        const uint32_t once = fn(0, o.p, o.d);
+        if (fn(0, o.p, once) != once) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::vector<uint32_t> members(const RopCodeSet& set) {
+    std::vector<uint32_t> out;
+    for (uint32_t code = 0; code < 256; ++code) {
+        if (set.contains(code)) {
+            out.push_back(code);
+        }
+    }
+    return out;
+}
+
+TEST(RopCodes, SourceIndependentCodesAreThoseWhoseRoutinesIgnoreS) {
+    for (uint32_t code = 0; code < 256; ++code) {
+        EXPECT_EQ(S_INDEPENDENT_ROPS.contains(code), routineIgnoresSource(code)) << code;
+    }
+    const std::vector<uint32_t> published = {0x00, 0x05, 0x0A, 0x0F, 0x50, 0x55, 0x5A, 0x5F,
+                                             0xA0, 0xA5, 0xAA, 0xAF, 0xF0, 0xF5, 0xFA, 0xFF};
+    EXPECT_EQ(members(S_INDEPENDENT_ROPS), published);
+    EXPECT_EQ(S_INDEPENDENT_ROPS.size(), 16);
+    EXPECT_FALSE(S_INDEPENDENT_ROPS.contains(0x1FF)); // no code above 255
+}
+
+TEST(RopCodes, NonIdempotentCodesAreSourceFreeCodesThatChangeOnASecondCoat) {
+    for (uint32_t code = 0; code < 256; ++code) {
+        const bool expected = routineIgnoresSource(code) && paintingTwiceDiffers(code);
+        EXPECT_EQ(NON_IDEMPOTENT_ROPS.contains(code), expected) << code;
+    }
+    const std::vector<uint32_t> published = {0x05, 0x50, 0x55, 0x5A, 0x5F, 0xA5, 0xF5};
+    EXPECT_EQ(members(NON_IDEMPOTENT_ROPS), published);
 }
 
 } // namespace

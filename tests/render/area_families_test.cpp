@@ -1,9 +1,11 @@
-// Every area family on 8-bit and 32-bit rasters under the three fast raster
-// operations and a generic one, checked pixel by pixel against a model of
-// the band, together with the painted box the band is delivered with; and
-// the screened members under random tiles, phases, operations and shapes
-// against a per-pixel model of the screen.
-#include "render_fixture.h"
+// Every area family on 8-bit and 32-bit rasters, with random shapes reaching
+// past the raster, solid and under random screens (1-bit cells, grey and
+// colour tiles, random phases), under the three fast raster operations and
+// generic ones: every pixel against a per-pixel model of the band, and for
+// solid paint the painted box the band is delivered with.
+#include "support/page_fixture.h"
+
+#include "paint/rop_test_support.h"
 
 #include "displaylist/record_walk.h"
 #include "engine/memory.h"
@@ -27,7 +29,7 @@ struct Cell {
 };
 
 constexpr int32_t WIDTH = 64; // mode 5 raster width
-constexpr int32_t ROWS = RenderTest::BAND_ROWS;
+constexpr int32_t ROWS = PageTest::BAND_ROWS;
 
 // Row-span arrays carry no header.
 uint8_t* spanArray(const std::vector<std::pair<uint16_t, uint16_t>>& spans) {
@@ -47,145 +49,78 @@ void addBlock(std::vector<Cell>& cells, int32_t left, int32_t top, int32_t right
     }
 }
 
-// Writes the family's record into the list and answers the pixels it
-// covers and the opcode it must have become.
-std::vector<Cell> writeShape(Family f, DisplayList* list, RenderResources* res, uint8_t& op) {
+// Writes a random shape of the family into the list and answers the cells
+// it covers, in order.
+std::vector<Cell> writeRandomShape(Family family, std::mt19937& rng, DisplayList* list,
+                                   RenderResources* res) {
     std::vector<Cell> cells;
-    switch (f) {
+    const auto entryCount = uint16_t(2 + rng() % 4);
+    const auto randomX = [&] { return uint16_t(rng() % (WIDTH + 8)); };
+    const auto randomY = [&] { return uint16_t(rng() % ROWS); };
+    switch (family) {
     case RECT:
-        EXPECT_EQ(writeRect(list, {2, 3}, 7, 3, res), KRYN_OK);
-        addBlock(cells, 3, 2, 9, 4);
-        op = DL_OP_RECT;
+    case COLUMN: {
+        const uint16_t x = randomX(), y = family == RECT ? randomY() : 0;
+        const uint32_t w = 1 + rng() % 40, h = family == RECT ? 1 + rng() % 10 : ROWS;
+        EXPECT_EQ(writeRect(list, {uint8_t(y), x}, w, h, res), KRYN_OK);
+        addBlock(cells, x, y, int32_t(x + w - 1), int32_t(y + h - 1));
         break;
-    case COLUMN:
-        EXPECT_EQ(writeRect(list, {0, 40}, 5, ROWS, res), KRYN_OK);
-        addBlock(cells, 40, 0, 44, ROWS - 1);
-        op = DL_OP_COLUMN;
-        break;
+    }
     case RECTS: {
-        const std::vector<std::vector<uint16_t>> e = {
-            {5, 12, 1, 3}, {30, 40, 6, 9}, {60, 70, 14, 15}};
-        EXPECT_EQ(writeRects(list, runBuffer(0, e, {2, 2, 1, 1}), 3, res), KRYN_OK);
-        for (const auto& r : e) {
-            addBlock(cells, r[0], r[2], r[1], r[3]);
+        std::vector<std::vector<uint16_t>> e;
+        for (int i = 0; i < entryCount; ++i) {
+            const uint16_t l = randomX(), t = randomY();
+            e.push_back({l, uint16_t(l + rng() % 30), t, uint16_t(t + rng() % 6)});
+            addBlock(cells, e.back()[0], e.back()[2], e.back()[1], e.back()[3]);
         }
-        op = DL_OP_RECTS;
+        EXPECT_EQ(writeRects(list, runBuffer(0, e, {2, 2, 1, 1}), entryCount, res), KRYN_OK);
         break;
     }
     case RUNS:
     case RUNS_SHORT: {
-        const std::vector<std::vector<uint16_t>> e = {
-            {1, 0, 4, 10}, {5, 0, 2, 20}, {6, 0, 10, 5}, {6, 0, 40, 8}, {15, 0, 58, 10}};
-        const uint8_t form = f == RUNS_SHORT ? 255 : 0;
-        EXPECT_EQ(writeRuns(list, runBuffer(form, e, {1, 1, 2, 2}), 5, res), KRYN_OK);
-        for (const auto& r : e) {
-            addBlock(cells, r[2], r[0], r[2] + r[3] - 1, r[0]);
+        std::vector<std::vector<uint16_t>> e;
+        for (int i = 0; i < entryCount; ++i) {
+            const uint16_t y = randomY(), l = randomX(), len = uint16_t(1 + rng() % 50);
+            e.push_back({y, 0, l, len});
+            addBlock(cells, l, y, l + len - 1, y);
         }
-        op = f == RUNS_SHORT ? DL_OP_RUNS_SHORT : DL_OP_RUNS;
+        const uint8_t form = family == RUNS_SHORT ? 255 : 0;
+        EXPECT_EQ(writeRuns(list, runBuffer(form, e, {1, 1, 2, 2}), entryCount, res), KRYN_OK);
         break;
     }
     case ROW_SPANS:
     case ROW_SPANS_SHORT: {
-        const std::vector<std::pair<uint16_t, uint16_t>> spans = {
-            {5, 10}, {6, 12}, {7, 0}, {60, 10}};
-        const int32_t count = f == ROW_SPANS ? 4 : -4;
-        EXPECT_EQ(writeRowSpans(list, 3, spanArray(spans), count, res), KRYN_OK);
-        for (size_t i = 0; i < spans.size(); ++i) {
-            const int32_t y = 3 + static_cast<int32_t>(i);
-            addBlock(cells, spans[i].first, y, spans[i].first + spans[i].second - 1, y);
+        const uint8_t first = uint8_t(rng() % 8);
+        std::vector<std::pair<uint16_t, uint16_t>> spans;
+        for (int i = 0; i < entryCount; ++i) {
+            const uint16_t l = randomX(), len = uint16_t(rng() % 60);
+            spans.push_back({l, len});
+            addBlock(cells, l, first + i, l + len - 1, first + i);
         }
-        op = f == ROW_SPANS ? DL_OP_ROW_SPANS : DL_OP_ROW_SPANS_SHORT;
+        const int32_t count = family == ROW_SPANS ? entryCount : -entryCount;
+        EXPECT_EQ(writeRowSpans(list, first, spanArray(spans), count, res), KRYN_OK);
         break;
     }
     case COLUMN_RUNS: {
-        const std::vector<std::vector<uint16_t>> e = {{2, 5, 7}, {0, 16, 50}, {10, 3, 63}};
-        EXPECT_EQ(writeColumnRuns(list, runBuffer(0, e, {1, 1, 2}), 3, res), KRYN_OK);
-        for (const auto& r : e) {
-            addBlock(cells, r[2], r[0], r[2], r[0] + r[1] - 1);
+        std::vector<std::vector<uint16_t>> e;
+        for (int i = 0; i < entryCount; ++i) {
+            const uint16_t t = randomY(), len = uint16_t(1 + rng() % 16), x = randomX();
+            e.push_back({t, len, x});
+            addBlock(cells, x, t, x, t + len - 1);
         }
-        op = DL_OP_COLUMN_RUNS;
+        EXPECT_EQ(writeColumnRuns(list, runBuffer(0, e, {1, 1, 2}), entryCount, res), KRYN_OK);
         break;
     }
     }
+
     return cells;
 }
 
-using AreaCase = std::tuple<Family, bool, uint8_t>; // family, grey, raster op
-
-class AreaFamilies : public RenderTest, public ::testing::WithParamInterface<AreaCase> {};
-
-TEST_P(AreaFamilies, PaintEveryCoveredPixelOnceUnderTheRasterOperation) {
-    const auto [family, grey, code] = GetParam();
-    open(5, grey);
-    notMonochrome(0);
-    const int bits = grey ? 8 : 24;
-    const uint32_t white = grey ? 0xFF : 0xFFFFFF;
-    const uint32_t base = grey ? 0x33 : 0x113355;
-    const uint32_t p = grey ? 0x5C : 0x5C3A17;
-    const uint32_t s = grey ? 0xC5 : 0xA5C30F;
-
-    // A base block so the operation meets more than white, then the shape.
-    rop(0, 0xF0);
-    paint(0, base);
-    rect(0, 0, 0, 32, 8);
-    rop(0, code);
-    paint(0, p);
-    source(0, s);
-    uint8_t expectedOp = 0;
-    const std::vector<Cell> cells = writeShape(family, list(0), res(), expectedOp);
-    uint8_t lastOp = 0;
-    walkRecords(list(0), [&](uint8_t op, const uint8_t*) {
-        lastOp = op;
-        return true;
-    });
-    ASSERT_EQ(lastOp, expectedOp);
-
-    std::vector<uint32_t> model(size_t(WIDTH) * ROWS, white);
-    int32_t minX = 0, minY = 0, maxX = 31, maxY = 7;
-    for (int32_t y = 0; y < 8; ++y) {
-        std::fill_n(model.begin() + y * WIDTH, 32, base);
-    }
-    for (const Cell& c : cells) {
-        uint32_t& d = model[size_t(c.y) * WIDTH + size_t(c.x)];
-        d = ropByTruthTable(code, s, p, d, bits);
-        minX = std::min(minX, c.x);
-        maxX = std::max(maxX, c.x);
-        minY = std::min(minY, c.y);
-        maxY = std::max(maxY, c.y);
-    }
-
-    ASSERT_EQ(close(), KRYN_OK);
-    ASSERT_EQ(log_.calls.size(), 1u);
-    const Delivery& d = log_.calls[0];
-    if (grey) {
-        EXPECT_EQ(d.code, CB_RASTER_STANDARD);
-    } else {
-        EXPECT_EQ(d.code, CB_RASTER_BOX);
-        EXPECT_EQ(d.rect.left, uint32_t(minX));
-        EXPECT_EQ(d.rect.top, uint32_t(minY));
-        EXPECT_EQ(d.rect.right, uint32_t(maxX));
-        EXPECT_EQ(d.rect.bottom, uint32_t(maxY));
-    }
-    const BandPixels got = pixels(0);
-    for (int32_t y = 0; y < ROWS; ++y) {
-        for (int32_t x = 0; x < WIDTH; ++x) {
-            ASSERT_EQ(got.at(x, y), model[size_t(y) * WIDTH + size_t(x)])
-                << "pixel (" << x << ", " << y << ")";
-        }
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(AllFamilies, AreaFamilies,
-                         ::testing::Combine(::testing::Values(RECT, COLUMN, RECTS, RUNS, RUNS_SHORT,
-                                                              ROW_SPANS, ROW_SPANS_SHORT,
-                                                              COLUMN_RUNS),
-                                            ::testing::Bool(),
-                                            ::testing::Values(0xF0, 0x5A, 0xFF, 0xB8)));
-
 // A random screen: a 1-bit cell (transparent or opaque zeros) or a tile of
-// grey bytes or colour pixels, kept as the caller gave it, for the model.
+// grey bytes or colour pixels, kept as the caller gave it, for the model; or
+// none (solid paint).
 struct RandomScreen {
-    int kind = 0; // 0: 1-bit transparent, 1: 1-bit opaque, 2: grey samples, 3: colour samples
+    int kind = 0; // 0: 1-bit transparent, 1: 1-bit opaque, 2: grey, 3: colour samples, 4: solid
     int32_t width = 0;
     int32_t height = 0;
     std::vector<uint8_t> cell; // the cell: rows of (width + 7) / 8 bytes, or pixels
@@ -194,6 +129,10 @@ struct RandomScreen {
 
     // P at page column x of tile row r, or false under a transparent zero.
     bool pattern(int32_t x, int32_t r, uint32_t one, uint32_t zero, bool grey, uint32_t& p) const {
+        if (kind == 4) {
+            p = one;
+            return true;
+        }
         const int32_t c = x % width;
         if (kind <= 1) {
             const bool bit = (cell[size_t(r * ((width + 7) / 8) + c / 8)] & (0x80 >> (c % 8))) != 0;
@@ -213,32 +152,41 @@ struct RandomScreen {
     }
 };
 
-class ScreenedFamilies : public RenderTest {
+class AreaFamilies : public PageTest {
   protected:
     void TearDown() override { freeBytes(screen_.widened.data); }
     RandomScreen screen_;
 };
 
-TEST_F(ScreenedFamilies, EveryPixelIsTheOperationOfTheTileValueAtItsPagePosition) {
+// Solid paint starts from a base block on white, so that the operation meets
+// more than white and the delivered box can be checked; screened paint from
+// a band of base colour.
+TEST_F(AreaFamilies, EveryPixelIsTheOperationOfTheTileValueAtItsPagePosition) {
+    const uint8_t ops[] = {
+        DL_OP_RECT,       DL_OP_COLUMN,    DL_OP_RECTS,           DL_OP_RUNS,
+        DL_OP_RUNS_SHORT, DL_OP_ROW_SPANS, DL_OP_ROW_SPANS_SHORT, DL_OP_COLUMN_RUNS};
     std::mt19937 rng(163);
     const uint8_t generic[] = {0xB8, 0x0A, 0x8E, 0x6C, 0x3F};
-    for (int n = 0; n < 600; ++n) {
+    for (int n = 0; n < 900; ++n) {
         const bool grey = n % 2 == 0;
-        open(5, grey);
+        open(5, 0x8009, grey);
         notMonochrome(0);
         const int bits = grey ? 8 : 24;
         const uint32_t mask = grey ? 0xFF : 0xFFFFFF;
         RandomScreen& sc = screen_;
         freeBytes(sc.widened.data);
         sc = RandomScreen{};
-        sc.kind = int(rng() % 4);
+        sc.kind = int(rng() % 5);
+        const bool solid = sc.kind == 4;
         // Mostly small tiles (whose rows the members keep per record), some
         // too tall or too wide for that.
         const bool large = rng() % 4 == 0;
         sc.height = 1 + int32_t(rng() % (large ? 40 : 12));
         std::vector<uint8_t> defined;
         TileDefinition def{};
-        if (sc.kind <= 1) {
+        if (solid) {
+            sc.height = 1;
+        } else if (sc.kind <= 1) {
             sc.width = 1 + int32_t(rng() % 40);
             sc.depth = 1;
             sc.cell.resize(size_t((sc.width + 7) / 8 * sc.height));
@@ -257,7 +205,9 @@ TEST_F(ScreenedFamilies, EveryPixelIsTheOperationOfTheTileValueAtItsPagePosition
             }
             def = {sc.cell.data(), sc.width, sc.height, sc.depth, 0xC006};
         }
-        ASSERT_EQ(defineRendererTile(res()->renderer, def), KRYN_OK);
+        if (!solid) {
+            ASSERT_EQ(defineRendererTile(res()->renderer, def), KRYN_OK);
+        }
         const uint32_t phase = rng() % 3 == 0 ? rng() % 65536 : rng() % 24;
         const int pick = int(rng() % 8);
         const uint8_t code = pick < 2    ? 0xF0
@@ -271,90 +221,56 @@ TEST_F(ScreenedFamilies, EveryPixelIsTheOperationOfTheTileValueAtItsPagePosition
 
         rop(0, 0xF0);
         paint(0, base);
-        rect(0, 0, 0, WIDTH, ROWS);
+        const int32_t blockW = solid ? 32 : WIDTH, blockH = solid ? 8 : ROWS;
+        rect(0, 0, 0, uint32_t(blockW), uint32_t(blockH));
         rop(0, code);
         paint(0, one);
         paint(0, zero, COLOUR_BACK);
         source(0, s);
-        ASSERT_EQ(writeScreen(list(0), def.screenId, phase, res()), KRYN_OK);
-        ASSERT_EQ(writeOpaque(list(0), sc.kind == 0 ? 0 : 1, 255, res()), KRYN_OK);
+        if (!solid) {
+            ASSERT_EQ(writeScreen(list(0), def.screenId, phase, res()), KRYN_OK);
+            ASSERT_EQ(writeOpaque(list(0), sc.kind == 0 ? 0 : 1, 255, res()), KRYN_OK);
+        }
 
-        // A random shape of a random family, as the cells it covers in order.
-        std::vector<Cell> cells;
-        const auto entryCount = uint16_t(2 + rng() % 4);
-        const auto randomX = [&] { return uint16_t(rng() % (WIDTH + 8)); };
-        const auto randomY = [&] { return uint16_t(rng() % ROWS); };
         const Family family = Family(rng() % 8);
-        switch (family) {
-        case RECT:
-        case COLUMN: {
-            const uint16_t x = randomX(), y = family == RECT ? randomY() : 0;
-            const uint32_t w = 1 + rng() % 40, h = family == RECT ? 1 + rng() % 10 : ROWS;
-            ASSERT_EQ(writeRect(list(0), {uint8_t(y), x}, w, h, res()), KRYN_OK);
-            addBlock(cells, x, y, int32_t(x + w - 1), int32_t(y + h - 1));
-            break;
-        }
-        case RECTS: {
-            std::vector<std::vector<uint16_t>> e;
-            for (int i = 0; i < entryCount; ++i) {
-                const uint16_t l = randomX(), t = randomY();
-                e.push_back({l, uint16_t(l + rng() % 30), t, uint16_t(t + rng() % 6)});
-                addBlock(cells, e.back()[0], e.back()[2], e.back()[1], e.back()[3]);
-            }
-            ASSERT_EQ(writeRects(list(0), runBuffer(0, e, {2, 2, 1, 1}), entryCount, res()),
-                      KRYN_OK);
-            break;
-        }
-        case RUNS:
-        case RUNS_SHORT: {
-            std::vector<std::vector<uint16_t>> e;
-            for (int i = 0; i < entryCount; ++i) {
-                const uint16_t y = randomY(), l = randomX(), len = uint16_t(1 + rng() % 50);
-                e.push_back({y, 0, l, len});
-                addBlock(cells, l, y, l + len - 1, y);
-            }
-            const uint8_t form = family == RUNS_SHORT ? 255 : 0;
-            ASSERT_EQ(writeRuns(list(0), runBuffer(form, e, {1, 1, 2, 2}), entryCount, res()),
-                      KRYN_OK);
-            break;
-        }
-        case ROW_SPANS:
-        case ROW_SPANS_SHORT: {
-            const uint8_t first = uint8_t(rng() % 8);
-            std::vector<std::pair<uint16_t, uint16_t>> spans;
-            for (int i = 0; i < entryCount; ++i) {
-                const uint16_t l = randomX(), len = uint16_t(rng() % 60);
-                spans.push_back({l, len});
-                addBlock(cells, l, first + i, l + len - 1, first + i);
-            }
-            const int32_t count = family == ROW_SPANS ? entryCount : -entryCount;
-            ASSERT_EQ(writeRowSpans(list(0), first, spanArray(spans), count, res()), KRYN_OK);
-            break;
-        }
-        case COLUMN_RUNS: {
-            std::vector<std::vector<uint16_t>> e;
-            for (int i = 0; i < entryCount; ++i) {
-                const uint16_t t = randomY(), len = uint16_t(1 + rng() % 16), x = randomX();
-                e.push_back({t, len, x});
-                addBlock(cells, x, t, x, t + len - 1);
-            }
-            ASSERT_EQ(writeColumnRuns(list(0), runBuffer(0, e, {1, 1, 2}), entryCount, res()),
-                      KRYN_OK);
-            break;
-        }
-        }
+        const std::vector<Cell> cells = writeRandomShape(family, rng, list(0), res());
+        uint8_t lastOp = 0;
+        walkRecords(list(0), [&](uint8_t op, const uint8_t*) {
+            lastOp = op;
+            return true;
+        });
+        ASSERT_EQ(lastOp, ops[family]) << "case " << n;
 
-        std::vector<uint32_t> model(size_t(WIDTH) * ROWS, base);
+        std::vector<uint32_t> model(size_t(WIDTH) * ROWS, mask);
+        DirtyBox box{0, blockW - 1, 0, blockH - 1};
+        for (int32_t y = 0; y < blockH; ++y) {
+            std::fill_n(model.begin() + y * WIDTH, blockW, base);
+        }
         for (const Cell& c : cells) {
             uint32_t p = 0;
             const int32_t r = int32_t((uint32_t(c.y) + phase) % uint32_t(sc.height));
             if (sc.pattern(c.x, r, one, zero, grey, p)) {
                 uint32_t& d = model[size_t(c.y) * WIDTH + size_t(c.x)];
-                d = ropByTruthTable(code, s, p, d, bits);
+                d = referenceRop(code, s, p, d, bits);
             }
+            box = {std::min(box.minX, c.x), std::max(box.maxX, c.x), std::min(box.minY, c.y),
+                   std::max(box.maxY, c.y)};
         }
         ASSERT_EQ(close(), KRYN_OK);
+        if (log_.calls.empty()) { // a blank band is not delivered
+            ASSERT_EQ(std::count(model.begin(), model.end(), mask), ptrdiff_t(model.size()))
+                << "case " << n;
+            continue;
+        }
         ASSERT_EQ(log_.calls.size(), 1u);
+        const Delivery& d = log_.calls[0];
+        EXPECT_EQ(d.code, grey ? CB_RASTER_STANDARD : CB_RASTER_BOX);
+        if (solid && !grey) {
+            EXPECT_EQ(d.rect.left, uint32_t(box.minX)) << "case " << n;
+            EXPECT_EQ(d.rect.top, uint32_t(box.minY)) << "case " << n;
+            EXPECT_EQ(d.rect.right, uint32_t(box.maxX)) << "case " << n;
+            EXPECT_EQ(d.rect.bottom, uint32_t(box.maxY)) << "case " << n;
+        }
         const BandPixels got = pixels(0);
         for (int32_t y = 0; y < ROWS; ++y) {
             for (int32_t x = 0; x < WIDTH; ++x) {

@@ -1,61 +1,12 @@
-// The band renderer's buffers across creation and page resizes, and the
-// allocation-failure sweep over host page close.
-#include "render_fixture.h"
+// The allocation-failure sweep over host page close.
+#include "support/page_fixture.h"
 
 #include "support/alloc_sweep.h"
 
 #include "engine/memory.h"
-#include "render/band_renderer.h"
-#include "render/renderer_lists.h"
 
 namespace kryn::test {
 namespace {
-
-const uint8_t ATTRS[3] = {3, 1, 2};
-
-TEST(BandRendererLife, StridesTagsAndPaper) {
-    BandRenderer* grey = createBandRenderer({65, 16, ATTRS, 1});
-    ASSERT_NE(grey, nullptr);
-    EXPECT_EQ(grey->strideWords, 18); // 65 bytes rounded up to 72
-    EXPECT_NE(grey->raster, nullptr);
-    EXPECT_NE(grey->paintState, nullptr);
-    EXPECT_EQ(grey->expandBuffer, nullptr);
-    BandRenderer* colour = createBandRenderer({65, 16, ATTRS, 0});
-    ASSERT_NE(colour, nullptr);
-    EXPECT_EQ(colour->strideWords, 66);
-    EXPECT_EQ(colour->tagImageWord, 0x03000000u);
-    EXPECT_EQ(colour->tagBitmapWord, 0x02000000u);
-    EXPECT_EQ(colour->paperWord, 0x01FFFFFFu);
-    destroyBandRenderer(grey);
-    destroyBandRenderer(colour);
-}
-
-TEST(BandRendererLife, ResizingKeepsWhatStillFitsAndEmptiesThePageLists) {
-    const uint64_t live = KRYNPlatformLiveBlocks();
-    BandRenderer* r = createBandRenderer({64, 16, ATTRS, 0});
-    ASSERT_NE(r, nullptr);
-    r->rendererKind = RENDERER_BOX;
-    r->expandBuffer = static_cast<uint8_t*>(allocBytes(expandBufferBytes(*r)));
-    r->tileList = static_cast<RendererTile*>(allocBytes(sizeof(RendererTile)));
-    *r->tileList = {nullptr, 1, 1, 8, 8, nullptr};
-    uint8_t* raster = r->raster;
-
-    ASSERT_EQ(resizeBandRenderer(r, {64, 16, ATTRS, 0}), KRYN_OK);
-    EXPECT_EQ(r->raster, raster);
-    EXPECT_EQ(r->tileList, nullptr);
-    EXPECT_EQ(r->rendererKind, RENDERER_BOX);
-
-    ASSERT_EQ(resizeBandRenderer(r, {64, 16, ATTRS, 1}), KRYN_OK);
-    EXPECT_EQ(r->rendererKind, RENDERER_UNSET); // the colour space changed
-    EXPECT_EQ(r->strideWords, 16);
-    ASSERT_NE(r->expandBuffer, nullptr); // reallocated at the new size
-
-    ASSERT_EQ(resizeBandRenderer(r, {100, 8, ATTRS, 1}), KRYN_OK);
-    EXPECT_EQ(r->strideWords, 26);
-    EXPECT_EQ(r->height, 8);
-    destroyBandRenderer(r);
-    EXPECT_EQ(KRYNPlatformLiveBlocks(), live);
-}
 
 // Host pages in every playing mode, grey and colour, closed with some
 // allocation failing: close always succeeds and nothing leaks.

@@ -1,6 +1,7 @@
 // The scan converter against the brute-force oracle, pixel for pixel, over
 // thousands of seeded random figures in all four orientations and both
-// rules, unclipped and under random clip regions.
+// rules, unclipped and under random clip regions; stroke outlines through
+// their own entry.
 #include "random_polygons.h"
 #include "scan_harness.h"
 
@@ -38,6 +39,25 @@ TEST(FillOracle, RandomFiguresMatchPixelForPixel) {
                          << describe(polys);
         ASSERT_EQ(counts.outside, 0) << "seed " << seed;
         painted += std::count(want.begin(), want.end(), 1);
+        if (seed % 16 == 0) {
+            // Stroke outlines take even-odd without crossing marks: the same
+            // pixels for a simple outline.
+            const std::vector<OraclePolygon> outline = {maker.convex(3 + maker.pick(6))};
+            FixedPolygons f(outline);
+            ASSERT_EQ(buildEdges(&page.scan, f.lines.data(), 1, recordCount(outline), everywhere()),
+                      KRYN_OK);
+            PixelCounts stroke(page.raster());
+            const SpanRecorder rec = stroke.recorder();
+            ASSERT_EQ(scanConvertStroke(&page.scan, page.clip.current, SCAN_MODE_PAINT, &rec),
+                      KRYN_OK);
+            EXPECT_EQ(firstMismatch(
+                          stroke.hits,
+                          intersect(oracleFill(outline, 0, q, page.raster()),
+                                    oracleFill({pageRectangle(page.page)}, 0, q, page.raster())),
+                          page.raster()),
+                      "")
+                << "stroke outline, seed " << seed << " " << describe(outline);
+        }
     }
     EXPECT_GT(painted, 2400 * 100); // the figures are not trivially empty
 }

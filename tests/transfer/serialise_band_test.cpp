@@ -1,6 +1,8 @@
-// Sending whole bands: chunks, their sizes and checksums, the download
-// tables, host-mode lists, and what KRYNNextBand and KRYNClosePage send.
-#include "support/list_fixture.h"
+// Sending whole bands: the download tables go first in a chunk of their own,
+// and host-mode lists are announced with the bytes actually sent. Band
+// headers, chunk splitting and what NextBand and page close send are pinned
+// by the golden jobs chunk_limit, next_band_ranges and page_modes.
+#include "support/page_fixture.h"
 
 #include "displaylist/record_writers.h"
 #include "transfer/download_tables.h"
@@ -10,43 +12,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-class SerialiseBandTest : public ListTest {};
-
-TEST_F(SerialiseBandTest, AnEmptyModeZeroBandSendsItsHeaderThenOnlyTheEndRecord) {
-    open(0);
-    DisplayList* last = nullptr;
-    ASSERT_EQ(getBandList(page_, 9, &last), KRYN_OK);
-    ASSERT_EQ(KRYNNextBand(1, CallbackLog::callback, log_.context(), engine_.get()), KRYN_OK);
-    const std::vector<StreamChunk> chunks = decodeChunks(log_.calls);
-    ASSERT_EQ(chunks.size(), 2u); // the last band is not sent
-    EXPECT_EQ(chunks[0].announced, 8u);
-    EXPECT_EQ(chunks[0].data, (Bytes{0x8C, 0x00, 0x00, 0x63}));
-    EXPECT_EQ(chunks[1].band, 0u);
-    EXPECT_EQ(chunks[1].announced, 8u);
-    EXPECT_EQ(chunks[1].data, wordBytes({0x87000000}));
-    EXPECT_EQ(log_.calls.back().data, (Bytes{0x87, 0, 0, 0, 0, 0, 0, 0x87}));
-    const size_t calls = log_.calls.size();
-    ASSERT_EQ(KRYNClosePage(CallbackLog::callback, log_.context(), engine_.get()), KRYN_OK);
-    EXPECT_EQ(log_.calls.size(), calls); // serialised modes send nothing at page close
-}
-
-// Masks of 255 rows of 2040 pixels count 65036 stream bytes each; the fourth
-// crosses the chunk limit, so the next record opens a second chunk.
-TEST_F(SerialiseBandTest, AListCrossingTheChunkLimitIsSentAsTwoChunks) {
-    open(0);
-    const Bytes mask(255 * 255, 0xA5);
-    for (int i = 0; i < 4; ++i) {
-        ASSERT_EQ(writeMaskImage(list_, 0, {0, 0}, 2040, 255, {mask.data(), 2040, 255, 255}, res_),
-                  KRYN_OK);
-    }
-    ASSERT_EQ(writeRect(list_, {1, 2}, 3, 4, res_), KRYN_OK);
-    const std::vector<StreamChunk> chunks = send();
-    ASSERT_EQ(chunks.size(), 2u);
-    EXPECT_EQ(chunks[0].announced, 4u * 65036u + 4u);
-    EXPECT_EQ(chunks[1].announced, 8u + 4u + 4u); // rectangle, end record, checksum
-    EXPECT_EQ(chunks[1].data, wordBytes({0x85010002, 0x00030400, 0x87000000}));
-    EXPECT_EQ(decodeRecords(chunks[0].data).size(), 4u);
-}
+class SerialiseBandTest : public PageTest {};
 
 TEST_F(SerialiseBandTest, DownloadTablesGoFirstInTheirOwnChunkAndAreEmptiedOnce) {
     open(0);

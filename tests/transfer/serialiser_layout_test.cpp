@@ -1,7 +1,7 @@
 // Every record's words as the device receives them, against hand-written
 // bytes. Each list is sent as a mode-0 chunk, so the decoder also checks
 // that the announced size (the writers' serialBytes) matches what was sent.
-#include "support/list_fixture.h"
+#include "support/page_fixture.h"
 
 #include "displaylist/record_writers.h"
 
@@ -10,7 +10,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-class SerialiseLayoutTest : public ListTest {};
+class SerialiseLayoutTest : public PageTest {};
 
 TEST_F(SerialiseLayoutTest, RectangleAndColumn) {
     open();
@@ -139,7 +139,7 @@ TEST_F(SerialiseLayoutTest, ImagesCarryTheirPaddedData) {
 }
 
 TEST_F(SerialiseLayoutTest, ColourSpaceOneAdaptsIdentifiersAndSampleSize) {
-    open(0, 0x8009, 1);
+    open(0, 0x8009, true);
     const Bytes samples{9, 8, 7};
     ASSERT_EQ(writeScreen(list_, 0x8003, 0, res_), KRYN_OK);
     ASSERT_EQ(writeScreen(list_, 0xC003, 0, res_), KRYN_OK);

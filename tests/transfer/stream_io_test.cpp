@@ -41,43 +41,35 @@ class StreamTest : public ::testing::Test {
     CallbackLog log_;
 };
 
-TEST_F(StreamTest, AChunkThreeBytesShortOfTheBufferSendsItsChecksumAlone) {
-    sendChunk(2045);
-    ASSERT_EQ(log_.calls.size(), 3u);
-    EXPECT_EQ(log_.calls[0].code, CB_STREAM_BEGIN);
-    EXPECT_EQ(log_.calls[0].band, 7u);
-    EXPECT_EQ(log_.calls[0].bytes, 2049u);
-    EXPECT_EQ(log_.calls[1].code, CB_STREAM_DATA);
-    EXPECT_EQ(log_.calls[1].bytes, 2045u);
-    EXPECT_EQ(log_.calls[2].code, CB_STREAM_END);
-    EXPECT_EQ(log_.calls[2].data, bigEndian(byteSum(2045)));
-}
-
-TEST_F(StreamTest, AFullBufferIsHandedOverBeforeTheChecksum) {
-    sendChunk(2048);
-    ASSERT_EQ(log_.calls.size(), 3u);
-    EXPECT_EQ(log_.calls[1].code, CB_STREAM_DATA);
-    EXPECT_EQ(log_.calls[1].bytes, 2048u);
-    EXPECT_EQ(log_.calls[2].data, bigEndian(byteSum(2048)));
-}
-
-TEST_F(StreamTest, ASmallChunkTravelsInItsEndCall) {
-    sendChunk(16);
-    ASSERT_EQ(log_.calls.size(), 2u);
-    EXPECT_EQ(log_.calls[0].bytes, 20u);
-    EXPECT_EQ(log_.calls[1].code, CB_STREAM_END);
-    EXPECT_EQ(log_.calls[1].bytes, 20u);
-}
-
-TEST_F(StreamTest, ChecksumsCoverEveryDataCallOfTheChunkAndRestartPerChunk) {
-    sendChunk(5000); // 2048 + 2048 + 904 + checksum
-    sendChunk(4);
-    const std::vector<uint8_t> bytes = log_.streamBytes();
-    ASSERT_EQ(bytes.size(), 5000u + 4 + 4 + 4);
-    EXPECT_EQ(std::vector<uint8_t>(bytes.begin() + 5000, bytes.begin() + 5004),
-              bigEndian(byteSum(5000)));
-    EXPECT_EQ(std::vector<uint8_t>(bytes.end() - 8, bytes.end()),
-              (std::vector<uint8_t>{0, 1, 2, 3, 0, 0, 0, 6}));
+// How a chunk of n data bytes is cut into calls: the begin call announces
+// n + 4, whole 2048-byte buffers go out as data calls, and the end call
+// carries the rest with the checksum (alone when no room was left for it).
+TEST_F(StreamTest, ChunksAreCutIntoBufferSizedCalls) {
+    const struct {
+        uint32_t n;
+        std::vector<uint32_t> dataCalls; // data call sizes, then the end call's
+    } cases[] = {{16, {20}},
+                 {2044, {2048}},
+                 {2045, {2045, 4}},
+                 {2048, {2048, 4}},
+                 {5000, {2048, 2048, 908}}};
+    for (const auto& c : cases) {
+        log_ = CallbackLog();
+        sendChunk(c.n);
+        ASSERT_EQ(log_.calls.size(), c.dataCalls.size() + 1) << c.n;
+        EXPECT_EQ(log_.calls[0].code, CB_STREAM_BEGIN);
+        EXPECT_EQ(log_.calls[0].band, 7u);
+        EXPECT_EQ(log_.calls[0].bytes, c.n + 4);
+        for (size_t i = 0; i < c.dataCalls.size(); ++i) {
+            EXPECT_EQ(log_.calls[i + 1].code,
+                      i + 1 == c.dataCalls.size() ? CB_STREAM_END : CB_STREAM_DATA);
+            EXPECT_EQ(log_.calls[i + 1].bytes, c.dataCalls[i]) << c.n << " call " << i;
+        }
+        const std::vector<uint8_t> bytes = log_.streamBytes();
+        EXPECT_EQ(std::vector<uint8_t>(bytes.end() - 4, bytes.end()), bigEndian(byteSum(c.n)));
+    }
+    sendChunk(4); // each chunk's checksum starts again
+    EXPECT_EQ(log_.calls.back().data, (std::vector<uint8_t>{0, 1, 2, 3, 0, 0, 0, 6}));
 }
 
 TEST_F(StreamTest, WordsAreBigEndianWhereverTheBufferBoundaryFalls) {
@@ -98,6 +90,21 @@ TEST_F(StreamTest, BandHeaderChunkCarriesTheWidthArgument) {
     EXPECT_EQ(log_.calls[0].band, 3u);
     EXPECT_EQ(log_.calls[0].bytes, 8u);
     EXPECT_EQ(log_.calls[1].data, (std::vector<uint8_t>{0x8C, 0, 0x13, 0x5F, 0, 0, 0, 0xFE}));
+}
+
+// KRYNEnd sends bytes still buffered as the end of a chunk.
+TEST(StreamEnd, EndSendsBufferedStreamBytesAsTheEndOfAChunk) {
+    CallbackLog log;
+    Engine* e = KRYNInit(10, 10, 4, 600, 0);
+    ASSERT_NE(e, nullptr);
+    OutputStream& stream = e->resources->stream;
+    stream.callback = CallbackLog::callback;
+    stream.context = log.context();
+    putU32(stream, 0x01020304);
+    EXPECT_EQ(KRYNEnd(e), KRYN_OK);
+    ASSERT_EQ(log.calls.size(), 1u);
+    EXPECT_EQ(log.calls[0].code, CB_STREAM_END);
+    EXPECT_EQ(log.calls[0].data, (std::vector<uint8_t>{1, 2, 3, 4, 0, 0, 0, 0x0A}));
 }
 
 } // namespace

@@ -16,6 +16,9 @@ const Parameter F32{ParamType::F32};
 const Parameter COLOUR{ParamType::OneU32};
 const Parameter OUT{ParamType::Output};
 const Parameter SCREEN{ParamType::Screen};
+const Parameter U8{ParamType::U8};
+const Parameter UPTR{ParamType::UPtr};
+const Parameter RANGES3{ParamType::ArrayU16, {3}}; // the three ranges of an alpha key
 // Image descriptions whose samples pass to the engine (unless it refuses
 // the call), and the colour table of KRYNSetImageTable (read up to 256).
 const Parameter IMAGE{ParamType::Image, {}, ImageOwnership::PassesToEngine};
@@ -73,6 +76,9 @@ ResultCode getPageInfo(Engine* e, CallFrame& f) {
 
 // Sorted by name for the lookup.
 const std::array OPERATIONS = std::to_array<OperationEntry>({
+    {"AlphaBlend",
+     {U16},
+     [](Engine* e, CallFrame& f) { return KRYNAlphaBlend(f.scalar<uint16_t>(0), e); }},
     {"ArcTo",
      {I32, I32, I32, I32, I32, I32, I32, I32},
      [](Engine* e, CallFrame& f) { return KRYNArcTo(ARGS8(f), e); }},
@@ -110,8 +116,22 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
      {I32, I32, I32, I32, I32, I32, I32, I32},
      [](Engine* e, CallFrame& f) { return KRYNFanPath(ARGS8(f), e); }},
     {"Fill", {U16}, [](Engine* e, CallFrame& f) { return KRYNFill(f.scalar<uint16_t>(0), e); }},
+    {"FitImage",
+     {UPTR, UPTR, UPTR, UPTR, UPTR},
+     [](Engine* e, CallFrame& f) {
+         return KRYNFitImage(f.scalar<uintptr_t>(0), f.scalar<uintptr_t>(1),
+                             f.scalar<uintptr_t>(2), f.scalar<uintptr_t>(3),
+                             f.scalar<uintptr_t>(4), e);
+     }},
     {"GetPageInfo", {OUT}, getPageInfo},
     {"GetPageResource", {OUT, OUT}, getPageResource},
+    {"GradientFill",
+     {UPTR, UPTR, UPTR, UPTR, UPTR},
+     [](Engine* e, CallFrame& f) {
+         return KRYNGradientFill(f.scalar<uintptr_t>(0), f.scalar<uintptr_t>(1),
+                                 f.scalar<uintptr_t>(2), f.scalar<uintptr_t>(3),
+                                 f.scalar<uintptr_t>(4), e);
+     }},
     {"GroupBezier3To",
      {countedI32(1, 2), U16},
      [](Engine* e,
@@ -181,12 +201,20 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
     {"SelectSpace",
      {I32},
      [](Engine* e, CallFrame& f) { return KRYNSelectSpace(f.scalar<int32_t>(0), e); }},
+    {"SetAlphaBlendTable",
+     {RANGES3, U8, U16},
+     [](Engine* e, CallFrame& f) {
+         return KRYNSetAlphaBlendTable(f.u16(0), f.scalar<uint8_t>(1), f.scalar<uint16_t>(2), e);
+     }},
     {"SetBackground",
      {U16},
      [](Engine* e, CallFrame& f) { return KRYNSetBackground(f.scalar<uint16_t>(0), e); }},
     {"SetColor",
      {COLOUR, U16},
      [](Engine* e, CallFrame& f) { return KRYNSetColor(f.u32(0), f.scalar<uint16_t>(1), e); }},
+    {"SetConstAlphaBlend",
+     {I32},
+     [](Engine* e, CallFrame& f) { return KRYNSetConstAlphaBlend(f.scalar<int32_t>(0), e); }},
     {"SetImageTable",
      {U32, IMAGE_TABLE, U32},
      [](Engine* e, CallFrame& f) {

@@ -1,0 +1,331 @@
+#include "render/area_blend.h"
+
+#include "render/area_walk.h"
+#include "render/blend_sources.h"
+#include "render/raster_pixels.h"
+#include "render/tile_view.h"
+
+#include <cstring>
+
+namespace kryn {
+
+namespace {
+
+// Solid paint at one alpha: a pixel depends only on what it covers.
+template <class Pixels>
+struct BlendSolidPaint {
+    using Pixel = typename Pixels::Pixel;
+
+    BlendSolidPaint(const PaintState& state, uint32_t alpha, uint32_t colour)
+        : ink(blendInk(alpha, colour)), tag(state.tagGraphicsWord) {}
+
+    void blendRow(Pixel* at, int32_t n) const { Pixels::blendRow(at, n, ink, tag); }
+
+    void span(const PaintState& state, int32_t y, int32_t left, int32_t right) const {
+        blendRow(Pixels::row(state, y) + left, right - left + 1);
+    }
+    void listSpan(const PaintState& state, int32_t y, int32_t left, int32_t right) const {
+        span(state, y, left, right);
+    }
+
+    // A row that held the same pixels as the row above becomes what that
+    // row became. Rows are compared before either is painted.
+    void block(const PaintState& state, int32_t left, int32_t top, int32_t right,
+               int32_t bottom) const {
+        const int32_t n = right - left + 1;
+        const size_t bytes = static_cast<size_t>(n) * sizeof(Pixel);
+        bool sameAsAbove = false;
+        for (int32_t y = top; y <= bottom; ++y) {
+            Pixel* row = Pixels::row(state, y) + left;
+            const bool nextSame =
+                y < bottom && std::memcmp(row, Pixels::row(state, y + 1) + left, bytes) == 0;
+            if (sameAsAbove) {
+                std::memcpy(row, Pixels::row(state, y - 1) + left, bytes);
+            } else {
+                blendRow(row, n);
+            }
+            sameAsAbove = nextSame;
+        }
+    }
+
+    void column(const PaintState& state, int32_t x, int32_t top, int32_t bottom) const {
+        const int32_t step = state.strideBytes / static_cast<int32_t>(sizeof(Pixel));
+        Pixel* at = Pixels::row(state, top) + x;
+        Pixel last = *at;
+        Pixel blended = Pixels::blend(last, ink, tag);
+        for (int32_t y = top; y <= bottom; ++y, at += step) {
+            if (*at != last) {
+                last = *at;
+                blended = Pixels::blend(last, ink, tag);
+            }
+            *at = blended;
+        }
+    }
+
+    BlendInk ink;
+    uint32_t tag;
+};
+
+// Visits the pixels of a column with their tile row, which advances with
+// the band row and wraps at the tile's height.
+template <class Pixel, class Visit>
+void walkTileColumn(const PaintState& state, const TileView& tile, int32_t x, int32_t top,
+                    int32_t bottom, Visit visit) {
+    const int32_t step = state.strideBytes / static_cast<int32_t>(sizeof(Pixel));
+    Pixel* at = reinterpret_cast<Pixel*>(state.raster + int64_t{top} * state.strideBytes) + x;
+    int32_t tileRow = tile.rowIndex(top);
+    for (int32_t y = top; y <= bottom; ++y, at += step) {
+        visit(*at, tileRow);
+        if (++tileRow == tile.height) {
+            tileRow = 0;
+        }
+    }
+}
+
+// What the screened blends share: rectangles and list spans are rows.
+template <class Self>
+struct RowsPaint {
+    void block(const PaintState& state, int32_t left, int32_t top, int32_t right, int32_t bottom) {
+        for (int32_t y = top; y <= bottom; ++y) {
+            static_cast<Self&>(*this).span(state, y, left, right);
+        }
+    }
+    void listSpan(const PaintState& state, int32_t y, int32_t left, int32_t right) {
+        static_cast<Self&>(*this).span(state, y, left, right);
+    }
+};
+
+// A 1-bit screen: one bits take the paint colour at its alpha, zero bits
+// the paint back colour at its own (opaque zeros) or stay (transparent
+// zeros). A colour at alpha 0 leaves its pixels alone.
+template <class Pixels, bool OPAQUE>
+struct BlendBitsPaint : RowsPaint<BlendBitsPaint<Pixels, OPAQUE>> {
+    using Pixel = typename Pixels::Pixel;
+
+    BlendBitsPaint(const PaintState& state, const BitsBlend& plan)
+        : tile(state), one(blendInk(plan.alphaOne, slotColour(state, SLOT_PAINT))),
+          zero(blendInk(plan.alphaZero, slotColour(state, SLOT_PAINT_BACK))),
+          paintOne(plan.alphaOne != 0), paintZero(OPAQUE && plan.alphaZero != 0),
+          tag(state.tagGraphicsWord) {}
+
+    void paint(Pixel& d, bool bit) const {
+        if (bit) {
+            if (paintOne) {
+                d = Pixels::blend(d, one, tag);
+            }
+        } else if (paintZero) {
+            d = Pixels::blend(d, zero, tag);
+        }
+    }
+
+    void span(const PaintState& state, int32_t y, int32_t left, int32_t right) {
+        Pixel* at = Pixels::row(state, y) + left;
+        BitCursor bits(tile.row(y), tile.column(left), tile.rowBytes);
+        for (int32_t i = 0, n = right - left + 1; i < n; ++i) {
+            paint(at[i], bits.next());
+        }
+    }
+
+    void column(const PaintState& state, int32_t x, int32_t top, int32_t bottom) {
+        const int32_t c = tile.column(x);
+        const int32_t byteIndex = c >> 3;
+        const uint32_t mask = 0x80u >> (c & 7);
+        walkTileColumn<Pixel>(state, tile, x, top, bottom, [&](Pixel& d, int32_t r) {
+            paint(d, (tile.base[int64_t{r} * tile.rowBytes + byteIndex] & mask) != 0);
+        });
+    }
+
+    TileView tile;
+    BlendInk one;
+    BlendInk zero;
+    bool paintOne;
+    bool paintZero;
+    uint32_t tag;
+};
+
+// A tile of samples: each pixel at the alpha its rule gives. The weights
+// are taken again only when the alpha changes from one pixel to the next.
+template <class Pixels, TileAlphaRule RULE>
+struct BlendTilePaint : RowsPaint<BlendTilePaint<Pixels, RULE>> {
+    using Pixel = typename Pixels::Pixel;
+
+    explicit BlendTilePaint(const PaintState& state)
+        : tile(state), alphas(state.tileAlpha), constant(state.blendSelect),
+          keyAlpha(state.blendSelectA), grey(state.bitsPerPixel == 8), tag(state.tagGraphicsWord) {
+        for (int i = 0; i < 3; ++i) {
+            ranges[i] = state.blendRangesA[i];
+        }
+    }
+
+    static Pixel sample(const uint8_t* tileRow, int32_t column) {
+        Pixel p;
+        std::memcpy(&p, tileRow + int64_t{column} * int64_t{sizeof(Pixel)}, sizeof(Pixel));
+        return p;
+    }
+
+    // The alpha of tile pixel p whose own alpha (alpha tiles) is `own`.
+    uint32_t alphaOf(Pixel p, uint32_t own) const {
+        switch (RULE) {
+        case TileAlphaRule::CONSTANT:
+            return constant;
+        case TileAlphaRule::KEYED:
+            return insideKey(ranges, Pixels::channels(p), grey) ? keyAlpha : ALPHA_OPAQUE;
+        case TileAlphaRule::OWN:
+            return own;
+        case TileAlphaRule::OWN_CONSTANT:
+            return mulAlpha(own, constant);
+        default: // OWN_KEYED
+            return insideKey(ranges, Pixels::channels(p), grey) ? mulAlpha(own, keyAlpha) : own;
+        }
+    }
+
+    void paint(Pixel& d, Pixel p, uint32_t own) {
+        const uint32_t a = alphaOf(p, own);
+        if (a == 0) {
+            return;
+        }
+        if (a != weightsAlpha) {
+            weights = blendWeights(a);
+            weightsAlpha = a;
+        }
+        d = Pixels::blendSample(d, p, weights, tag);
+    }
+
+    const uint8_t* alphaRow(int32_t tileRow) const {
+        return alphas == nullptr ? nullptr : alphas + int64_t{tileRow} * tile.width;
+    }
+    static uint32_t ownAt(const uint8_t* row, int32_t c) {
+        return row == nullptr ? ALPHA_OPAQUE : row[c];
+    }
+
+    void span(const PaintState& state, int32_t y, int32_t left, int32_t right) {
+        Pixel* at = Pixels::row(state, y) + left;
+        const int32_t r = tile.rowIndex(y);
+        const uint8_t* tileRow = tile.base + int64_t{r} * tile.rowBytes;
+        const uint8_t* own = alphaRow(r);
+        int32_t c = tile.column(left);
+        for (int32_t i = 0, n = right - left + 1; i < n; ++i) {
+            paint(at[i], sample(tileRow, c), ownAt(own, c));
+            if (++c == tile.width) {
+                c = 0;
+            }
+        }
+    }
+
+    void column(const PaintState& state, int32_t x, int32_t top, int32_t bottom) {
+        const int32_t c = tile.column(x);
+        walkTileColumn<Pixel>(state, tile, x, top, bottom, [&](Pixel& d, int32_t r) {
+            paint(d, sample(tile.base + int64_t{r} * tile.rowBytes, c), ownAt(alphaRow(r), c));
+        });
+    }
+
+    TileView tile;
+    const uint8_t* alphas;
+    uint32_t constant;
+    uint32_t keyAlpha;
+    uint16_t ranges[3];
+    bool grey;
+    uint32_t tag;
+    uint32_t weightsAlpha = ALPHA_OPAQUE + 1; // none yet
+    BlendWeights weights{};
+};
+
+template <class Pixels, TileAlphaRule RULE, AreaGeometry G>
+void paintTile(PaintState& state, const AreaOperand& operand) {
+    BlendTilePaint<Pixels, RULE> paint(state);
+    walkArea<G>(state, operand, paint);
+}
+
+bool tileUsable(const PaintState& state) {
+    return state.tileBase != nullptr && state.tileWidth > 0 && state.tileHeight > 0;
+}
+
+template <class Pixels, AreaGeometry G>
+bool blendSolid(PaintState& state, const AreaOperand& operand) {
+    const SolidBlend plan = solidBlend(state, SLOT_PAINT);
+    if (plan.action == BlendAction::PLAIN) {
+        return false;
+    }
+    if (plan.action == BlendAction::BLEND) {
+        BlendSolidPaint<Pixels> paint(state, plan.alpha, slotColour(state, SLOT_PAINT));
+        walkArea<G>(state, operand, paint);
+    }
+    return true;
+}
+
+template <class Pixels, bool OPAQUE, AreaGeometry G>
+bool blendBits(PaintState& state, const AreaOperand& operand) {
+    const BitsBlend plan = bitsBlend(state, OPAQUE);
+    if (plan.action == BlendAction::PLAIN) {
+        return false;
+    }
+    if (plan.action == BlendAction::BLEND) {
+        BlendBitsPaint<Pixels, OPAQUE> paint(state, plan);
+        walkArea<G>(state, operand, paint);
+    }
+    return true;
+}
+
+template <class Pixels, AreaGeometry G>
+bool blendSamples(PaintState& state, const AreaOperand& operand) {
+    switch (tileAlphaRule(state)) {
+    case TileAlphaRule::PLAIN:
+        return false;
+    case TileAlphaRule::NOTHING:
+        return true;
+    case TileAlphaRule::CONSTANT:
+        paintTile<Pixels, TileAlphaRule::CONSTANT, G>(state, operand);
+        return true;
+    case TileAlphaRule::KEYED:
+        paintTile<Pixels, TileAlphaRule::KEYED, G>(state, operand);
+        return true;
+    case TileAlphaRule::OWN:
+        paintTile<Pixels, TileAlphaRule::OWN, G>(state, operand);
+        return true;
+    case TileAlphaRule::OWN_CONSTANT:
+        paintTile<Pixels, TileAlphaRule::OWN_CONSTANT, G>(state, operand);
+        return true;
+    case TileAlphaRule::OWN_KEYED:
+        paintTile<Pixels, TileAlphaRule::OWN_KEYED, G>(state, operand);
+        return true;
+    }
+    return true;
+}
+
+} // namespace
+
+template <class Pixels, ScreenMember M, AreaGeometry G>
+bool blendArea(PaintState& state, const AreaOperand& operand) {
+    if constexpr (M == SCREEN_SOLID) {
+        return blendSolid<Pixels, G>(state, operand);
+    } else {
+        if (!tileUsable(state)) {
+            return false; // the plain member paints nothing either
+        }
+        if constexpr (M == SCREEN_SAMPLES) {
+            return blendSamples<Pixels, G>(state, operand);
+        } else {
+            return blendBits<Pixels, M == SCREEN_BITS_OPAQUE, G>(state, operand);
+        }
+    }
+}
+
+#define KRYN_BLEND_MEMBER(Pixels, M)                                                               \
+    template bool blendArea<Pixels, M, AREA_RECT>(PaintState&, const AreaOperand&);                \
+    template bool blendArea<Pixels, M, AREA_RECT_LIST>(PaintState&, const AreaOperand&);           \
+    template bool blendArea<Pixels, M, AREA_SPAN_LIST>(PaintState&, const AreaOperand&);           \
+    template bool blendArea<Pixels, M, AREA_ROW_SPANS>(PaintState&, const AreaOperand&);           \
+    template bool blendArea<Pixels, M, AREA_COLUMN_RUNS>(PaintState&, const AreaOperand&);
+
+KRYN_BLEND_MEMBER(GreyPixels, SCREEN_SOLID)
+KRYN_BLEND_MEMBER(GreyPixels, SCREEN_BITS_TRANSPARENT)
+KRYN_BLEND_MEMBER(GreyPixels, SCREEN_BITS_OPAQUE)
+KRYN_BLEND_MEMBER(GreyPixels, SCREEN_SAMPLES)
+KRYN_BLEND_MEMBER(ColourPixels, SCREEN_SOLID)
+KRYN_BLEND_MEMBER(ColourPixels, SCREEN_BITS_TRANSPARENT)
+KRYN_BLEND_MEMBER(ColourPixels, SCREEN_BITS_OPAQUE)
+KRYN_BLEND_MEMBER(ColourPixels, SCREEN_SAMPLES)
+
+#undef KRYN_BLEND_MEMBER
+
+} // namespace kryn
