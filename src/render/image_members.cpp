@@ -1,8 +1,8 @@
 #include "render/image_members.h"
 
 #include "render/image_pixels.h"
+#include "render/image_rows.h"
 #include "render/image_walk.h"
-#include "render/tile_view.h"
 
 #include <algorithm>
 #include <cstring>
@@ -10,104 +10,6 @@
 namespace kryn {
 
 namespace {
-
-// Pixels a member converts at a time: the samples of a row piece go to a
-// small buffer on the stack first, so that no member needs work memory.
-constexpr int32_t CHUNK = 256;
-
-// The pattern operand P under the band's screen, one pixel at a time along
-// a row from column x on. `skip` is set where a 1-bit screen with
-// transparent zeros leaves the band alone.
-template <class Pixels, ScreenMember SM>
-struct ImagePattern;
-
-template <class Pixels>
-struct ImagePattern<Pixels, SCREEN_SOLID> {
-    ImagePattern(const PaintState& s, int32_t, int32_t) : value(Pixels::slot(s, SLOT_PAINT)) {}
-    void step() {}
-    uint32_t value;
-    static constexpr bool skip = false;
-};
-
-template <class Pixels, ScreenMember SM>
-requires(SM == SCREEN_BITS_TRANSPARENT ||
-         SM == SCREEN_BITS_OPAQUE) struct ImagePattern<Pixels, SM> {
-    ImagePattern(const PaintState& s, int32_t x, int32_t y)
-        : one(Pixels::slot(s, SLOT_PAINT)), zero(Pixels::slot(s, SLOT_PAINT_BACK)),
-          bits(TileView(s).row(y), TileView(s).column(x), s.tileRowBytes) {
-        load();
-    }
-    void load() {
-        const bool bit = bits.next();
-        value = bit ? one : zero;
-        skip = SM == SCREEN_BITS_TRANSPARENT && !bit;
-    }
-    void step() { load(); }
-    uint32_t one;
-    uint32_t zero;
-    BitCursor bits;
-    uint32_t value = 0;
-    bool skip = false;
-};
-
-template <class Pixels>
-struct ImagePattern<Pixels, SCREEN_SAMPLES> {
-    using Pixel = typename Pixels::Pixel;
-    ImagePattern(const PaintState& s, int32_t x, int32_t y)
-        : row(reinterpret_cast<const Pixel*>(TileView(s).row(y))), width(s.tileWidth),
-          column(TileView(s).column(x)), value(row[column]) {}
-    void step() {
-        if (++column == width) {
-            column = 0;
-        }
-        value = row[column];
-    }
-    const Pixel* row;
-    int32_t width;
-    int32_t column;
-    uint32_t value;
-    static constexpr bool skip = false;
-};
-
-// The samples of one row of a record, column by column.
-template <bool Scaled>
-struct ColumnWalk;
-
-template <>
-struct ColumnWalk<false> {
-    ColumnWalk(const PaintState&, const ImageOperand& op)
-        : next(op.scaled != 0 ? op.sourceColumn : 0), last(op.sourceColumns - 1) {}
-    template <class Samples>
-    void fill(const Samples& samples, const uint8_t* row, uint32_t* out, int32_t n) {
-        for (int32_t k = 0; k < n; ++k, ++next) {
-            out[k] = samples(row, std::min(next, last));
-        }
-    }
-    uint32_t next;
-    uint32_t last;
-};
-
-template <>
-struct ColumnWalk<true> {
-    ColumnWalk(const PaintState& s, const ImageOperand& op) : runs(columnRuns(s, op)) {}
-    template <class Samples>
-    void fill(const Samples& samples, const uint8_t* row, uint32_t* out, int32_t n) {
-        for (int32_t k = 0; k < n;) {
-            if (left == 0) {
-                runs.next(sample, left);
-                value = samples(row, sample);
-            }
-            const int32_t m = static_cast<int32_t>(std::min<int64_t>(left, n - k));
-            std::fill_n(out + k, m, value);
-            k += m;
-            left -= m;
-        }
-    }
-    SampleRuns runs;
-    uint32_t sample = 0;
-    int64_t left = 0;
-    uint32_t value = 0;
-};
 
 // Paints n converted samples into the row at d under the raster operation.
 template <class Pixels, ScreenMember SM, bool Transparent>
@@ -207,7 +109,7 @@ void paintRow(const PaintState& s, const ImageOperand& op, const Samples& sample
     uint32_t values[CHUNK];
     for (int32_t done = 0; done < area.width;) {
         const int32_t n = std::min(CHUNK, area.width - done);
-        columns.fill(samples, sourceRow, values, n);
+        columns.fill([&](uint32_t c) { return samples(sourceRow, c); }, values, n);
         applySamples<Pixels, SM, Samples::TRANSPARENT>(s, d + done, values, n, pattern, rop);
         done += n;
     }

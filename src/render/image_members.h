@@ -33,4 +33,19 @@ void paintIndexedImageColour(PaintState& state, const ImageOperand& op); // kind
 void paintDirectScaledGrey(PaintState& state, const ImageOperand& op);   // kinds 0x20, 0x30
 void paintDirectScaledColour(PaintState& state, const ImageOperand& op); // kinds 0x40, 0x50
 
+// The blend families, asked first while a band's blending is on: false when
+// no sample of the record can have an alpha source (the plain member then
+// paints it). Kinds 0x90 (indexed, alpha in the table), 0xB0 (32-bit
+// samples with alpha) and 0xD0 (grey and alpha) paint only here.
+bool blendBitImageGrey(PaintState& state, const ImageOperand& op);
+bool blendGreyImageGrey(PaintState& state, const ImageOperand& op);
+bool blendIndexedImageGrey(PaintState& state, const ImageOperand& op);
+bool blendIndexedAlphaImageGrey(PaintState& state, const ImageOperand& op); // kind 0x90
+bool blendGreyAlphaImageGrey(PaintState& state, const ImageOperand& op);    // kind 0xD0
+bool blendBitImageColour(PaintState& state, const ImageOperand& op);
+bool blendColourImageColour(PaintState& state, const ImageOperand& op);
+bool blendIndexedImageColour(PaintState& state, const ImageOperand& op);
+bool blendIndexedAlphaImageColour(PaintState& state, const ImageOperand& op); // kind 0x90
+bool blendColourAlphaImageColour(PaintState& state, const ImageOperand& op);  // kind 0xB0
+
 } // namespace kryn

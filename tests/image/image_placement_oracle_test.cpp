@@ -1,7 +1,9 @@
 // Placed images against a brute-force reading of the placement rules, pixel
 // for pixel: random images of every format on grey and colour pages, in the
 // four quarter turns, mirrored, at device size, scaled by whole and by
-// fractional factors, reduced, and clipped by rectangles and ellipses.
+// fractional factors, reduced, and clipped by rectangles and ellipses; and
+// blended over the page (samples with alpha of their own, the constant
+// alpha, key 1).
 //
 // The reference never looks at the engine's placement: which pixels an
 // image covers is what a filled rectangle path of the same user rectangle
@@ -13,7 +15,9 @@
 // F being the axis's device extent over its samples in 16.16 (the last
 // sample repeating); the corners say which source axis runs along which
 // device axis and in which direction; and an image with more samples than
-// the rectangle's user units is first reduced by picking.
+// the rectangle's user units is first reduced by picking. A blended sample
+// takes its alpha by the blend rules and is laid over white paper with
+// blendChannel.
 #include "job_player.h"
 #include "page_picture.h"
 
@@ -47,6 +51,11 @@ struct Case {
     std::vector<uint32_t> table;
     uint32_t fore = 0, back = 0;
     int32_t opaque = 1;
+    bool blend = false;
+    uint32_t constant = 255; // constant alpha, 255: none
+    bool key = false;        // key 1 on
+    uint32_t keyAlpha = 0;
+    uint16_t ranges[3] = {0, 0, 0}; // low byte minimum, high byte maximum
 };
 
 const int32_t TURNS[4][4] = {{1, 0, 0, 1}, {0, 1, -1, 0}, {-1, 0, 0, -1}, {0, -1, 1, 0}};
@@ -60,14 +69,35 @@ Case randomCase(uint32_t seed) {
     c.turns = int32_t(seed / 2 % 4);
     c.mode = std::vector<int32_t>{5, 9, 3}[seed / 8 % 3];
     c.bandHeight = int32_t(std::vector<int>{8, 16, 24, 40}[rng() % 4]);
+    c.blend = seed % 5 == 4;
     const uint32_t greyFormats[] = {255, 8, 4, 1};
     const uint32_t colourFormats[] = {24, 8, 4, 1};
-    c.format = c.grey ? greyFormats[rng() % 4] : colourFormats[rng() % 4];
+    const uint32_t greyBlendFormats[] = {254, 108, 104, 255, 1};
+    const uint32_t colourBlendFormats[] = {124, 108, 104, 24, 1};
+    c.format = c.blend ? (c.grey ? greyBlendFormats[rng() % 5] : colourBlendFormats[rng() % 5])
+                       : (c.grey ? greyFormats[rng() % 4] : colourFormats[rng() % 4]);
     c.w = 1 + int32_t(rng() % 24);
     c.h = 1 + int32_t(rng() % 24);
-    const int32_t bits = c.format == 24                     ? 32
-                         : c.format == 8 || c.format == 255 ? 8
-                                                            : int32_t(c.format);
+    int32_t bits = int32_t(c.format); // 1 and 4
+    switch (c.format) {
+    case 24:
+    case 124:
+        bits = 32;
+        break;
+    case 254:
+        bits = 16;
+        break;
+    case 8:
+    case 108:
+    case 255:
+        bits = 8;
+        break;
+    case 104:
+        bits = 4;
+        break;
+    default:
+        break;
+    }
     c.stride = (c.w * bits + 7) / 8 + int32_t(rng() % 3);
     c.data.resize(size_t(c.stride) * size_t(c.h));
     for (uint8_t& b : c.data) {
@@ -93,13 +123,23 @@ Case randomCase(uint32_t seed) {
     for (int32_t& v : c.clipBox) {
         v = int32_t(rng() % 120) - 70;
     }
-    c.table.resize(c.format == 4 ? 16 : 256);
+    c.table.resize(c.format == 4 || c.format == 104 ? 16 : 256);
+    const uint32_t colourBits = c.blend ? 0xFFFFFFFFu : 0xFFFFFFu;
     for (uint32_t& t : c.table) {
-        t = rng() & 0xFFFFFF;
+        t = rng() & colourBits;
     }
-    c.fore = rng() & 0xFFFFFF;
-    c.back = rng() & 0xFFFFFF;
+    c.fore = rng() & colourBits;
+    c.back = rng() & colourBits;
     c.opaque = int32_t(rng() % 2);
+    if (c.blend) {
+        c.constant = rng() % 2 == 0 ? 255 : rng() % 255;
+        c.key = rng() % 2 == 0;
+        c.keyAlpha = rng() % 255;
+        for (uint16_t& r : c.ranges) {
+            const uint32_t lo = rng() % 200;
+            r = uint16_t(lo | (lo + rng() % 120 > 255 ? 255 : lo + rng() % 120) << 8);
+        }
+    }
     return c;
 }
 
@@ -146,9 +186,16 @@ std::string script(const Case& c) {
             continue;
         }
         s << "SetLogicalFunc 0xCC\nSetBackground " << c.opaque << '\n';
+        if (c.blend) {
+            s << "AlphaBlend 1\nSetConstAlphaBlend " << c.constant << '\n';
+            if (c.key) {
+                s << "SetAlphaBlendTable [" << c.ranges[0] << ' ' << c.ranges[1] << ' '
+                  << c.ranges[2] << "] " << c.keyAlpha << " 1\n";
+            }
+        }
         if (c.format == 1) {
             s << "SetImageTable 2 " << array({c.back, c.fore}) << " 0\n";
-        } else if (c.format == 4 || c.format == 8) {
+        } else if (c.format == 4 || c.format == 8 || c.format == 104 || c.format == 108) {
             s << "SetImageTable " << c.table.size() << ' ' << array(c.table) << " 0\n";
         }
         s << "PutImage {" << c.w << ' ' << c.h << ' ' << c.stride << ' ' << c.format
@@ -158,6 +205,8 @@ std::string script(const Case& c) {
     return s.str();
 }
 
+// The sample's colour, with its own alpha in the top byte (255 for
+// formats without one).
 uint32_t sampleValue(const Case& c, int64_t sx, int64_t sy, bool& painted) {
     const uint8_t* row = c.data.data() + sy * c.stride;
     painted = true;
@@ -168,15 +217,55 @@ uint32_t sampleValue(const Case& c, int64_t sx, int64_t sy, bool& painted) {
         return one ? c.fore : c.back;
     }
     case 4:
+    case 104:
         return c.table[(sx & 1) == 0 ? row[sx >> 1] >> 4 : row[sx >> 1] & 15];
     case 8:
+    case 108:
         return c.table[row[sx]];
     case 255:
-        return row[sx];
+        return 0xFF000000u | row[sx];
+    case 254:
+        return uint32_t(row[2 * sx + 1]) << 24 | row[2 * sx];
+    case 124:
+        return uint32_t(row[4 * sx + 3]) << 24 | uint32_t(row[4 * sx]) |
+               uint32_t(row[4 * sx + 1]) << 8 | uint32_t(row[4 * sx + 2]) << 16;
     default:
-        return uint32_t(row[4 * sx]) | uint32_t(row[4 * sx + 1]) << 8 |
+        return 0xFF000000u | uint32_t(row[4 * sx]) | uint32_t(row[4 * sx + 1]) << 8 |
                uint32_t(row[4 * sx + 2]) << 16;
     }
+}
+
+uint32_t mulAlpha(uint32_t x, uint32_t y) {
+    return (x * y * 257 + 32768) >> 16;
+}
+
+// The sample `value` (own alpha on top) laid over white paper by the blend
+// rules, or the sample itself when no alpha source applies.
+uint32_t blended(const Case& c, uint32_t value) {
+    const uint32_t colour = value & (c.grey ? 0xFFu : 0xFFFFFFu);
+    const uint32_t own = value >> 24;
+    const bool ownFormat = c.format == 104 || c.format == 108 || c.format == 124 || c.format == 254;
+    bool inside = true;
+    for (int ch = 0; ch < (c.grey ? 1 : 3); ++ch) {
+        const uint32_t v = (colour >> (8 * ch)) & 0xFF;
+        inside = inside && v >= (c.ranges[ch] & 0xFFu) && v <= uint32_t(c.ranges[ch] >> 8);
+    }
+    int64_t a = ownFormat || own < 255 ? int64_t(own) : -1;
+    if (c.key && inside) {
+        a = mulAlpha(own, c.keyAlpha);
+    } else if (!c.key && c.constant < 255) {
+        a = mulAlpha(own, c.constant);
+    }
+    if (a < 0) {
+        return c.grey ? colour * 0x010101u : colour;
+    }
+    uint32_t out = 0;
+    for (int ch = 0; ch < 3; ++ch) {
+        const uint32_t s = (colour >> (8 * (c.grey ? 0 : ch))) & 0xFF;
+        const uint32_t v = (uint32_t(a) * 257 * s + (255 - uint32_t(a)) * 257 * 255 + 32768) >> 16;
+        out |= std::min<uint32_t>(v, 255) << (8 * ch);
+    }
+    return out;
 }
 
 // The sample along one device axis of n samples with device extent
@@ -241,7 +330,8 @@ Expected expectedAt(const Case& c, int32_t X, int32_t Y, bool covered) {
         reduce ? int64_t((uint64_t(rc) * ((uint64_t(c.w) << 16) / uint64_t(aw))) >> 16) : rc;
     const int64_t sy =
         reduce ? int64_t((uint64_t(rr) * ((uint64_t(c.h) << 16) / uint64_t(ah))) >> 16) : rr;
-    e.value = sampleValue(c, sx, sy, e.painted);
+    const uint32_t value = sampleValue(c, sx, sy, e.painted);
+    e.value = c.blend ? blended(c, value) : value & 0xFFFFFF;
     return e;
 }
 
@@ -284,7 +374,7 @@ TEST(ImagePlacementOracle, EveryDevicePixelShowsTheSampleTheRulesGive) {
                 const bool covered = pixelAt(cover, X, Y) == 0;
                 const Expected e = expectedAt(c, X, Y, covered);
                 uint32_t want = e.painted ? e.value : 0xFFFFFF;
-                if (c.grey) {
+                if (c.grey && !c.blend) {
                     want = (want & 0xFF) * 0x010101;
                 }
                 const uint32_t got = pixelAt(image, X, Y);
