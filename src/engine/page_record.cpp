@@ -102,12 +102,12 @@ void resetBand(BandEntry* band) {
     freeAndClear(band->columnRunBuffer);
     freeAndClear(band->rectBuffer);
     // A flushed band starts its mirrors again, except the band's position,
-    // its monochrome flag, the image mode and the blending mirrors.
+    // its monochrome flag and the blending mirrors. The image phases start
+    // again with the new list, as host playback starts every list at 0.
     const BandEntry kept = *band;
     *band = BandEntry();
     band->bandTop = kept.bandTop;
     band->bandMonochrome = kept.bandMonochrome;
-    band->lastImageMode = kept.lastImageMode;
     band->lastBlendOn = kept.lastBlendOn;
     band->lastBlendSelect = kept.lastBlendSelect;
     band->lastBlendSelectA = kept.lastBlendSelectA;

@@ -149,7 +149,9 @@ ResultCode resampleToScale(const Transform& t, SampleBuffer& owned, SampleImage&
     TilePick pick;
     pick.width = static_cast<int64_t>(std::ceil(image.width * m));
     pick.height = static_cast<int64_t>(std::ceil(image.height * m));
-    pick.stepX = pick.stepY = static_cast<uint64_t>(std::trunc(65536.0 / m));
+    // Steps past 2^32 (a factor below 1/65536) all pick the first sample.
+    pick.stepX = pick.stepY =
+        static_cast<uint64_t>(std::min(std::trunc(65536.0 / m), 4294967296.0));
     const ResultCode r = repick(owned, image, pick);
     const double ratio = double(pick.stepX) / 65536.0;
     axes = {axes.ux * ratio, axes.uy * ratio, axes.vx * ratio, axes.vy * ratio};
