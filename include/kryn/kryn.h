@@ -453,15 +453,15 @@ KRYN_EXPORT ResultCode KRYNFitImage(uintptr_t a, uintptr_t b, uintptr_t c, uintp
 /* Sample formats of ImageDesc.format: rows of rowStride bytes (at least one
  * packed row), top row first. Formats 104, 108, 124 and 254 are taken only
  * while alpha blending is on, 255 only on grey pages (KRYNSelectSpace(1)). */
-#define KRYN_IMAGE_BITS 1           /* 1 bit, MSB first: image colour / image back colour */
-#define KRYN_IMAGE_NIBBLES 4        /* 4-bit indices into the colour table, high nibble first */
-#define KRYN_IMAGE_INDEXED 8        /* 8-bit indices into the colour table */
-#define KRYN_IMAGE_COLOUR 24        /* 32-bit words 0x..BBGGRR */
+#define KRYN_IMAGE_BITS 1            /* 1 bit, MSB first: image colour / image back colour */
+#define KRYN_IMAGE_NIBBLES 4         /* 4-bit indices into the colour table, high nibble first */
+#define KRYN_IMAGE_INDEXED 8         /* 8-bit indices into the colour table */
+#define KRYN_IMAGE_COLOUR 24         /* 32-bit words 0x..BBGGRR */
 #define KRYN_IMAGE_NIBBLES_ALPHA 104 /* as 4; table entries carry alpha */
 #define KRYN_IMAGE_INDEXED_ALPHA 108 /* as 8; table entries carry alpha */
-#define KRYN_IMAGE_COLOUR_ALPHA 124 /* 32-bit words 0xAABBGGRR */
-#define KRYN_IMAGE_GREY_ALPHA 254   /* grey byte, then alpha byte */
-#define KRYN_IMAGE_GREY 255         /* grey byte, 255 white */
+#define KRYN_IMAGE_COLOUR_ALPHA 124  /* 32-bit words 0xAABBGGRR */
+#define KRYN_IMAGE_GREY_ALPHA 254    /* grey byte, then alpha byte */
+#define KRYN_IMAGE_GREY 255          /* grey byte, 255 white */
 
 /* count 2: table[1] becomes the image colour and table[0] the image back
  * colour of 1-bit images (current graphics state). count 16 or 256: the
@@ -501,8 +501,8 @@ KRYN_EXPORT ResultCode KRYNPutImage(ImageDesc* image, int32_t x, int32_t y, int3
  * share one buffer) and answers KRYN_OK. The four integers are not read.
  * KRYN_ERR_INVALID without an open page or for a null description, which
  * leaves both buffers with the caller. */
-KRYN_EXPORT ResultCode KRYNPutImageWithMask(ImageDesc* image, ImageDesc* mask, int32_t x,
-                                            int32_t y, int32_t width, int32_t height, Engine* e);
+KRYN_EXPORT ResultCode KRYNPutImageWithMask(ImageDesc* image, ImageDesc* mask, int32_t x, int32_t y,
+                                            int32_t width, int32_t height, Engine* e);
 
 #ifdef __cplusplus
 }
