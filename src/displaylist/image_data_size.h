@@ -11,6 +11,10 @@ namespace kryn {
 // per source sample counted when the record was written (4, or 1 in colour
 // space 1), so that the data sent always matches the size recorded.
 inline constexpr uint32_t SCALED_IMAGE_SAMPLE_BYTES_OFFSET = 21;
+// Offset of a private byte of records 130 and 131 (unused in their
+// layout): the bit of the first data byte where a 1-bit row starts, so that
+// the serialiser sends packed rows; the renderers take the phase from 180.
+inline constexpr uint32_t IMAGE_BIT_PHASE_OFFSET = 11;
 
 inline constexpr uint64_t roundUp4(uint64_t n) {
     return (n + 3u) & ~uint64_t{3};

@@ -2,6 +2,7 @@
 #include "displaylist/band_state_sync.h"
 #include "displaylist/display_list.h"
 #include "displaylist/record_writers.h"
+#include "engine/page_mode.h"
 #include "engine/page_record.h"
 
 #include <algorithm>
@@ -132,9 +133,12 @@ ResultCode syncBandForImage(PageRecord* page, BandEntry* band, DisplayList* list
     if (kind != ImageRecordKind::MASK) {
         band->bandMonochrome = 0;
     }
-    const bool bitmap = kind != ImageRecordKind::OTHER;
-    ResultCode r =
-        syncPhase(page, band, list, scaled && kind != ImageRecordKind::MASK, bitmap, phase);
+    // The phase records are read only by host playback; the serialiser
+    // would end the block at them, so serialised pages never get them.
+    const bool host = pageMode(static_cast<int32_t>(page->mode)).hostRasters;
+    const bool bitmap = host && kind != ImageRecordKind::OTHER;
+    ResultCode r = syncPhase(page, band, list, host && scaled && kind != ImageRecordKind::MASK,
+                             bitmap, phase);
     if (r == KRYN_OK) {
         r = syncBandState(page, band, list);
     }

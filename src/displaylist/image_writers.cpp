@@ -34,6 +34,7 @@ void storeImageFields(uint8_t* r, uint8_t op, RecordPosition at, uint16_t width,
     storeU16(r + 6, static_cast<uint16_t>(source.columns));
     r[8] = rows;
     r[9] = static_cast<uint8_t>(source.rows);
+    r[IMAGE_BIT_PHASE_OFFSET] = static_cast<uint8_t>(source.bitPhase & 7u);
     storeU16(r + 12, static_cast<uint16_t>(source.stride));
     storePointer(r + IMAGE_POINTER_OFFSET, source.data);
 }

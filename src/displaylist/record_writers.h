@@ -35,7 +35,8 @@ struct ImageSource {
     const void* data;
     uint32_t columns;
     uint32_t rows;
-    uint32_t stride; // bytes per source row
+    uint32_t stride;      // bytes per source row
+    uint8_t bitPhase = 0; // 130, 131 with 1-bit data: the bit where a row starts
 };
 
 // 130: image rows drawn 1:1. kind holds the pixel format in its high nibble;

@@ -4,6 +4,8 @@
 #include "engine/memory.h"
 #include "engine/page_mode.h"
 #include "engine/page_resources.h"
+#include "image/image_sources.h"
+#include "image/image_table.h"
 #include "stroke/pen_circle.h"
 
 #include <algorithm>
@@ -64,6 +66,8 @@ void destroyPageRecord(PageRecord* page) {
     freeAndClear(page->regionHold);
     releasePathPool(page->pathPool);
     releasePens(page->penCircles);
+    releaseImageSources(page);
+    releasePageColourTables(page);
     closeScanState(&page->scan);
     freeBytes(page);
 }
@@ -98,12 +102,12 @@ void resetBand(BandEntry* band) {
     freeAndClear(band->columnRunBuffer);
     freeAndClear(band->rectBuffer);
     // A flushed band starts its mirrors again, except the band's position,
-    // its monochrome flag, the image mode and the blending mirrors.
+    // its monochrome flag and the blending mirrors. The image phases start
+    // again with the new list, as host playback starts every list at 0.
     const BandEntry kept = *band;
     *band = BandEntry();
     band->bandTop = kept.bandTop;
     band->bandMonochrome = kept.bandMonochrome;
-    band->lastImageMode = kept.lastImageMode;
     band->lastBlendOn = kept.lastBlendOn;
     band->lastBlendSelect = kept.lastBlendSelect;
     band->lastBlendSelectA = kept.lastBlendSelectA;

@@ -72,6 +72,87 @@ void sendData(Sink& sink, const void* data, uint64_t n) {
     sink.zeros(roundUp4(n) - n);
 }
 
+// Byte k of a packed row of `width` bits read from bit `phase` of `row` on,
+// columns past `lastColumn` repeating that column; bits past the width 0.
+uint8_t bitRowByte(const uint8_t* row, uint32_t phase, uint32_t lastColumn, uint32_t width,
+                   uint64_t k) {
+    uint32_t byte = 0;
+    for (uint64_t j = 8 * k; j < 8 * k + 8; ++j) {
+        const uint64_t bit = phase + (j < lastColumn ? j : lastColumn);
+        const uint32_t value = j < width ? (row[bit >> 3] >> (7 - (bit & 7))) & 1u : 0u;
+        byte = (byte << 1) | value;
+    }
+    return static_cast<uint8_t>(byte);
+}
+
+// The pixels of a record 130 or 131, as the device reads them: `width`
+// pixels of each of `rows` rows, packed. Device row i is source row
+// min(i, source rows - 1) and device column j source column
+// min(j, source columns - 1), as the renderers paint them; source rows lie
+// a source stride apart, and 1-bit rows start at the recorded bit phase.
+template <class Sink>
+void sendPieceData(Sink& sink, const uint8_t* r, int32_t pixelBytes) {
+    const uint32_t width = loadU16(r + 4);
+    const uint32_t rows = r[8];
+    const uint64_t total =
+        pixelBytes <= 0 ? bitmapBytes(width, rows) : uint64_t{width} * rows * uint32_t(pixelBytes);
+    const auto* data = static_cast<const uint8_t*>(loadPointer(r + IMAGE_POINTER_OFFSET));
+    const uint32_t columns = loadU16(r + 6);
+    const uint32_t sourceRows = r[9];
+    if constexpr (Sink::LIVE) {
+        if (data != nullptr && columns > 0 && sourceRows > 0) {
+            const uint32_t stride = loadU16(r + 12);
+            for (uint32_t i = 0; i < rows; ++i) {
+                const uint8_t* row =
+                    data + uint64_t{stride} * (i < sourceRows ? i : sourceRows - 1);
+                if (pixelBytes <= 0) {
+                    for (uint64_t k = 0; k < (width + 7) / 8; ++k) {
+                        sink.byte(
+                            bitRowByte(row, r[IMAGE_BIT_PHASE_OFFSET] & 7u, columns - 1, width, k));
+                    }
+                    continue;
+                }
+                const uint32_t kept = width < columns ? width : columns;
+                sink.bytes(row, uint64_t{kept} * uint32_t(pixelBytes));
+                for (uint32_t j = kept; j < width; ++j) {
+                    sink.bytes(row + uint64_t{columns - 1} * uint32_t(pixelBytes),
+                               uint32_t(pixelBytes));
+                }
+            }
+            sink.zeros(roundUp4(total) - total);
+            return;
+        }
+    }
+    sendData(sink, nullptr, total);
+}
+
+// The samples of a record 146: every source row, its own packed bytes cut
+// or padded with zeros to the columns x sample bytes the record announces.
+template <class Sink>
+void sendScaledData(Sink& sink, const uint8_t* r, uint32_t sampleBytes) {
+    const uint32_t columns = loadU32(r + 32);
+    const uint32_t rows = loadU32(r + 36);
+    const uint64_t rowBytes = uint64_t{columns} * sampleBytes;
+    const uint64_t total = rowBytes * rows;
+    const auto* data = static_cast<const uint8_t*>(loadPointer(r + SCALED_IMAGE_POINTER_OFFSET));
+    if constexpr (Sink::LIVE) {
+        const int32_t pixelBytes = pixelFormatBytes(r[20]);
+        if (data != nullptr && pixelBytes >= 0) {
+            const uint64_t own = pixelBytes == 0 ? bitmapBytes(columns, 1)
+                                                 : uint64_t{columns} * uint32_t(pixelBytes);
+            const uint64_t kept = own < rowBytes ? own : rowBytes;
+            const uint64_t stride = loadU32(r + 40);
+            for (uint32_t i = 0; i < rows; ++i) {
+                sink.bytes(data + stride * i, kept);
+                sink.zeros(rowBytes - kept);
+            }
+            sink.zeros(roundUp4(total) - total);
+            return;
+        }
+    }
+    sendData(sink, nullptr, total);
+}
+
 // Array of a record; the entries start after `skip` header bytes.
 const uint8_t* arrayOf(const uint8_t* r, uint32_t skip) {
     const auto* a = static_cast<const uint8_t*>(loadPointer(r + ARRAY_POINTER_OFFSET));
@@ -189,14 +270,13 @@ bool sendRecord(Sink& sink, uint8_t* r, uint32_t colourSpace, bool sizedChunks) 
     case DL_OP_IMAGE: {
         sink.u32(word(0x82, r[1], loadU16(r + 2)));
         sink.u32(word(r[10], r[8], loadU16(r + 4)));
-        sendData(sink, loadPointer(r + IMAGE_POINTER_OFFSET),
-                 imageDataBytes(r[10], loadU16(r + 4), r[8]));
+        sendPieceData(sink, r, pixelFormatBytes(r[10]));
         return true;
     }
     case DL_OP_MASK_IMAGE:
         sink.u32(word(0x83, r[1], loadU16(r + 2)));
         sink.u32(word(r[10], r[8], loadU16(r + 4)));
-        sendData(sink, loadPointer(r + IMAGE_POINTER_OFFSET), bitmapBytes(loadU16(r + 4), r[8]));
+        sendPieceData(sink, r, 0);
         return true;
     case DL_OP_SCALED_IMAGE: {
         const uint32_t columns = loadU32(r + 32);
@@ -209,8 +289,7 @@ bool sendRecord(Sink& sink, uint8_t* r, uint32_t colourSpace, bool sizedChunks) 
         sink.u32(loadU32(r + 8) << 16 | uint32_t{r[20]} << 8 | (loadU32(r + 16) & 0xFFu));
         sink.u32(loadU32(r + 24) << 16 | loadU32(r + 28));
         sink.u32(rows << 16 | (columns & 0xFFFFu));
-        sendData(sink, loadPointer(r + SCALED_IMAGE_POINTER_OFFSET),
-                 scaledImageDataBytes(columns, rows, sampleBytes));
+        sendScaledData(sink, r, sampleBytes);
         return true;
     }
     case DL_OP_RUNS:

@@ -21,12 +21,10 @@ namespace {
 
 using CallKey = std::pair<int, std::string>; // script line, operation name
 
-// One played run: the trace's call results and the engine allocations made
-// by the end of every line.
+// One played run: the trace's call results.
 struct PlayedRun {
     script::PlayResult result;
     std::map<CallKey, std::string> answers;
-    std::vector<std::pair<int, uint64_t>> allocationsAfterLine;
 };
 
 // Call lines of a trace ("12 Fill 0x0000", "1 Init ok"); deliveries are skipped.
@@ -45,11 +43,45 @@ std::map<CallKey, std::string> traceAnswers(const std::string& trace) {
     return answers;
 }
 
-PlayedRun play(const std::string& path, std::function<bool(int, Engine*)> afterLine) {
+// Engine allocations made since `start`, not counting the image sample
+// buffers the player makes for the calls (the driver's memory, not the
+// engine's): those are made with failures lifted, and then the engine's
+// remaining allocations before failure are set again.
+struct EngineAllocations {
+    explicit EngineAllocations(int64_t n = -1) : failAfter(n) { KRYNPlatformFailAfter(n); }
+    ~EngineAllocations() { KRYNPlatformFailAfter(-1); }
+
+    uint64_t made() const { return KRYNPlatformAllocCount() - start - playerBuffers; }
+    void lift() {
+        failAfter = -1;
+        KRYNPlatformFailAfter(-1);
+    }
+    void* samples(size_t bytes) {
+        const int64_t left =
+            failAfter < 0 ? -1 : std::max<int64_t>(failAfter - static_cast<int64_t>(made()), 0);
+        KRYNPlatformFailAfter(-1);
+        void* buffer = GlobalAlloc(GMEM_FIXED, bytes);
+        ++playerBuffers;
+        KRYNPlatformFailAfter(left);
+        return buffer;
+    }
+
+    uint64_t start = KRYNPlatformAllocCount();
+    uint64_t playerBuffers = 0;
+    int64_t failAfter; // engine allocations that succeed; -1: all do
+};
+
+PlayedRun play(const std::string& path, std::function<bool(int, Engine*)> afterLine,
+               EngineAllocations* allocations = nullptr) {
     std::ostringstream trace;
     script::PlayerOptions options;
     options.trace = &trace;
     options.afterLine = std::move(afterLine);
+    if (allocations != nullptr) {
+        options.allocateSamples = [allocations](size_t bytes) {
+            return allocations->samples(bytes);
+        };
+    }
     const size_t slash = path.find_last_of('/');
     const std::string base = slash == std::string::npos ? "." : path.substr(0, slash);
     std::ifstream in(path);
@@ -139,13 +171,19 @@ bool documentedAnswer(const std::string& answer) {
 JobSweepReport sweepJobScript(const std::string& path, uint64_t maxRuns) {
     JobSweepReport report;
     const uint64_t liveBefore = KRYNPlatformLiveBlocks();
-    const uint64_t countBefore = KRYNPlatformAllocCount();
     std::vector<std::pair<int, uint64_t>> afterLine;
-    PlayedRun clean = play(path, [&](int line, Engine*) {
-        afterLine.emplace_back(line, KRYNPlatformAllocCount() - countBefore);
-        return true;
-    });
-    report.allocations = KRYNPlatformAllocCount() - countBefore;
+    PlayedRun clean;
+    {
+        EngineAllocations counted;
+        clean = play(
+            path,
+            [&](int line, Engine*) {
+                afterLine.emplace_back(line, counted.made());
+                return true;
+            },
+            &counted);
+        report.allocations = counted.made();
+    }
     EXPECT_NE(clean.result.status, 1) << clean.result.message;
     EXPECT_EQ(KRYNPlatformLiveBlocks(), liveBefore) << path << ": clean run leaked";
 
@@ -159,19 +197,24 @@ JobSweepReport sweepJobScript(const std::string& path, uint64_t maxRuns) {
             }
         }
         bool followedUp = false;
-        KRYNPlatformFailAfter(static_cast<int64_t>(n));
-        PlayedRun run = play(path, [&](int line, Engine* engine) {
-            if (line < failingLine) {
-                return true;
-            }
-            KRYNPlatformFailAfter(-1);
-            if (engine != nullptr) {
-                followUp(engine);
-                followedUp = true;
-            }
-            return false;
-        });
-        KRYNPlatformFailAfter(-1);
+        PlayedRun run;
+        {
+            EngineAllocations failing(static_cast<int64_t>(n));
+            run = play(
+                path,
+                [&](int line, Engine* engine) {
+                    if (line < failingLine) {
+                        return true;
+                    }
+                    failing.lift();
+                    if (engine != nullptr) {
+                        followUp(engine);
+                        followedUp = true;
+                    }
+                    return false;
+                },
+                &failing);
+        }
         ++report.failedRuns;
         report.followUps += followedUp ? 1 : 0;
         EXPECT_NE(run.result.status, 1) << run.result.message;
@@ -184,9 +227,11 @@ JobSweepReport sweepJobScript(const std::string& path, uint64_t maxRuns) {
         // The whole script again with every allocation after the first n
         // failing to its end: later calls may also find no page or no
         // current point, but every answer is a documented one.
-        KRYNPlatformFailAfter(static_cast<int64_t>(n));
-        PlayedRun starved = play(path, nullptr);
-        KRYNPlatformFailAfter(-1);
+        PlayedRun starved;
+        {
+            EngineAllocations starving(static_cast<int64_t>(n));
+            starved = play(path, nullptr, &starving);
+        }
         EXPECT_NE(starved.result.status, 1) << starved.result.message;
         for (const auto& [key, answer] : starved.answers) {
             EXPECT_TRUE(documentedAnswer(answer))

@@ -88,12 +88,15 @@ TEST(ArgumentBinding, ImageSamplesComeFromTheHeapAndKeptOnesAreFreed) {
     EXPECT_EQ(samples[0], 1);
     EXPECT_EQ(samples[11], 0) << "padded to rowStride x height";
     EXPECT_EQ(f.keptBuffers.size(), 1u);
-    releaseKeptBuffers(f);
+    releaseKeptBuffers(f, KRYN_OK);
     EXPECT_EQ(KRYNPlatformLiveBlocks(), live);
 
     CallFrame g = bind(passed, "I {1 1 1 8 hex:FF}");
     EXPECT_TRUE(g.keptBuffers.empty());
+    releaseKeptBuffers(g, KRYN_OK);
     GlobalFree(g.image(0)->samples); // stands in for the engine taking it
+    CallFrame refused = bind(passed, "I {1 1 1 8 hex:FF}");
+    releaseKeptBuffers(refused, KRYN_ERR_INVALID); // a refused call leaves it with the player
     EXPECT_THROW(bind(kept, "I {1 1 1 8}"), ScriptError);
     EXPECT_THROW(bind(kept, "I {1 0x7FFFFFFF 0x7FFFFFFF 8 hex:}"), ScriptError);
     EXPECT_EQ(KRYNPlatformLiveBlocks(), live);

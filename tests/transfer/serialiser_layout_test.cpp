@@ -121,14 +121,14 @@ TEST_F(SerialiseLayoutTest, ImagesCarryTheirPaddedData) {
     EXPECT_EQ(sentRecords(), wordBytes({
                                  0x82030005,
                                  0x0002000A,
-                                 0x01020304, // 1 bit, 2 x 2 bytes
+                                 0x01000300, // 1 bit: 10 of the 16 bits of each row
                                  0x82000001,
                                  0x40010001,
                                  0x10203040, // 4 bytes a pixel
                                  0x83020006,
                                  0x00030009,
-                                 0x01020304,
-                                 0x05060000, // padded
+                                 0x01000300, // 9 bits of each 2-byte row
+                                 0x05000000, // padded
                                  0x92040007,
                                  0x0003B004,
                                  0x00018000,

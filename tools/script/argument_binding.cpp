@@ -314,12 +314,14 @@ bool ownershipPasses(const Parameter& param, const CallFrame& frame) {
 
 // Copies an image's samples into a buffer from GlobalAlloc. Null when the
 // heap refuses.
-void* copySamples(BoundArg& arg) {
+void* copySamples(BoundArg& arg, const SampleAllocator& allocate) {
     // One byte at least, so an empty image still has a buffer to own.
     size_t size = arg.bytes.empty() ? 1 : arg.bytes.size();
-    void* samples = GlobalAlloc(GMEM_ZEROINIT, size);
+    void* samples = allocate ? allocate(size) : GlobalAlloc(GMEM_FIXED, size);
     if (samples != nullptr && !arg.bytes.empty()) {
         std::memcpy(samples, arg.bytes.data(), arg.bytes.size());
+    } else if (samples != nullptr) {
+        std::memset(samples, 0, size);
     }
     arg.image.samples = samples;
     return samples;
@@ -335,7 +337,8 @@ size_t writtenInputs(const OperationEntry& op) {
 
 } // namespace
 
-CallFrame bindArguments(const OperationEntry& op, const ScriptLine& line, size_t maxBytes) {
+CallFrame bindArguments(const OperationEntry& op, const ScriptLine& line, size_t maxBytes,
+                        const SampleAllocator& allocate) {
     const size_t inputs = writtenInputs(op);
     const bool outputsWritten = line.args.size() == op.params.size() && inputs != op.params.size();
     if (line.args.size() != inputs && !outputsWritten) {
@@ -359,7 +362,7 @@ CallFrame bindArguments(const OperationEntry& op, const ScriptLine& line, size_t
         if (op.params[i].type != ParamType::Image || frame.args[i].isNull) {
             continue;
         }
-        void* samples = copySamples(frame.args[i]);
+        void* samples = copySamples(frame.args[i], allocate);
         if (samples == nullptr) {
             for (void* buffer : copied) {
                 GlobalFree(buffer);
@@ -369,12 +372,19 @@ CallFrame bindArguments(const OperationEntry& op, const ScriptLine& line, size_t
         copied.push_back(samples);
         if (!ownershipPasses(op.params[i], frame)) {
             frame.keptBuffers.push_back(samples);
+        } else {
+            frame.passedBuffers.push_back(samples);
         }
     }
     return frame;
 }
 
-void releaseKeptBuffers(CallFrame& frame) {
+void releaseKeptBuffers(CallFrame& frame, ResultCode result) {
+    if (result == KRYN_ERR_INVALID) {
+        frame.keptBuffers.insert(frame.keptBuffers.end(), frame.passedBuffers.begin(),
+                                 frame.passedBuffers.end());
+    }
+    frame.passedBuffers.clear();
     for (void* buffer : frame.keptBuffers) {
         GlobalFree(buffer);
     }

@@ -34,6 +34,9 @@ struct CallFrame {
     // Image sample buffers from GlobalAlloc that stay with the player after
     // the call (ownership not passed); the player frees them.
     std::vector<void*> keptBuffers;
+    // Buffers whose ownership passes to the engine, unless the call refuses
+    // its arguments (KRYN_ERR_INVALID): then the player frees them too.
+    std::vector<void*> passedBuffers;
 
     template <class T>
     T scalar(size_t i) const {

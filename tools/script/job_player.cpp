@@ -203,15 +203,15 @@ void JobPlayer::playLine(const ScriptLine& line) {
     if (op == nullptr) {
         throw ScriptError("unknown operation '" + line.name + "'");
     }
-    CallFrame frame = bindArguments(*op, line, options_.maxBytes);
+    CallFrame frame = bindArguments(*op, line, options_.maxBytes, options_.allocateSamples);
     if (!initSeen_) {
-        releaseKeptBuffers(frame);
+        releaseKeptBuffers(frame, KRYN_ERR_INVALID); // no call made: every buffer is ours
         throw ScriptError("no engine: the first call must be Init");
     }
     frame.callback = &JobPlayer::deliver;
     frame.context = reinterpret_cast<uintptr_t>(this);
     ResultCode r = op->invoke(engine_, frame);
-    releaseKeptBuffers(frame);
+    releaseKeptBuffers(frame, r);
     if (line.name == "End") {
         engine_ = nullptr;
     }

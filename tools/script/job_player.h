@@ -61,6 +61,9 @@ struct PlayerOptions {
     // (null when none is open). Answering false stops the script after that
     // line; the player then ends the engine as it does at end of file.
     std::function<bool(int, Engine*)> afterLine;
+    // Image sample buffers the player hands to the engine; GlobalAlloc when
+    // empty.
+    std::function<void*(size_t)> allocateSamples;
     bool allowFiles = true;            // file: byte data may be read
     size_t maxBytes = size_t{1} << 30; // the most one argument's data may take
 };
