@@ -448,6 +448,62 @@ KRYN_EXPORT ResultCode KRYNGradientFill(uintptr_t a, uintptr_t b, uintptr_t c, u
 KRYN_EXPORT ResultCode KRYNFitImage(uintptr_t a, uintptr_t b, uintptr_t c, uintptr_t d, uintptr_t f,
                                     Engine* e);
 
+/* ---- Images ------------------------------------------------------------ */
+
+/* Sample formats of ImageDesc.format: rows of rowStride bytes (at least one
+ * packed row), top row first. Formats 104, 108, 124 and 254 are taken only
+ * while alpha blending is on, 255 only on grey pages (KRYNSelectSpace(1)). */
+#define KRYN_IMAGE_BITS 1            /* 1 bit, MSB first: image colour / image back colour */
+#define KRYN_IMAGE_NIBBLES 4         /* 4-bit indices into the colour table, high nibble first */
+#define KRYN_IMAGE_INDEXED 8         /* 8-bit indices into the colour table */
+#define KRYN_IMAGE_COLOUR 24         /* 32-bit words 0x..BBGGRR */
+#define KRYN_IMAGE_NIBBLES_ALPHA 104 /* as 4; table entries carry alpha */
+#define KRYN_IMAGE_INDEXED_ALPHA 108 /* as 8; table entries carry alpha */
+#define KRYN_IMAGE_COLOUR_ALPHA 124  /* 32-bit words 0xAABBGGRR */
+#define KRYN_IMAGE_GREY_ALPHA 254    /* grey byte, then alpha byte */
+#define KRYN_IMAGE_GREY 255          /* grey byte, 255 white */
+
+/* count 2: table[1] becomes the image colour and table[0] the image back
+ * colour of 1-bit images (current graphics state). count 16 or 256: the
+ * colour table of indexed images from now on in this page (grey pages read
+ * each entry's low byte); an equal table given earlier in the page is
+ * shared. `reserved` is not read. KRYN_ERR_INVALID without an open page,
+ * for a null table, any other count or past 32768 distinct tables;
+ * KRYN_ERR_NO_MEMORY when the copy cannot be kept. */
+KRYN_EXPORT ResultCode KRYNSetImageTable(uint32_t count, const ColourValue* table,
+                                         uint32_t reserved, Engine* e);
+/* Paints `image` into the user rectangle x, y, width, height: (x, y) is
+ * where sample (0, 0) lands, a negative width or height mirrors it. The
+ * image follows the current matrix: quarter turns and mirrors are exact;
+ * other angles paint the samples upright, in the orientation nearest to the
+ * matrix's. It paints through the current logical function with the image
+ * as source S; one under a function that ignores S paints like a filled
+ * rectangle, and a white image (format 24 or 255) under 0xCC paints the
+ * rectangle white, or nothing on a page without drawing. Samples are read
+ * when the page is played or sent, not copied: they must come from
+ * GlobalAlloc and pass to the engine.
+ * Ownership: KRYN_ERR_INVALID leaves the buffer with the caller; after any
+ * other answer the engine has it (freed, or kept until the page ends).
+ *  - KRYN_ERR_INVALID: no open page; a null description or samples; width,
+ *    height or rowStride below 1; rowStride shorter than a packed row; a
+ *    format not taken in the page's current state (see above).
+ *  - KRYN_ERR_NO_MEMORY: memory runs out (the image is not painted, or only
+ *    in the bands recorded before); an unknown format; a band list that can
+ *    count no more bytes.
+ *  - KRYN_OK: painted, or nothing to paint (width or height 0, outside the
+ *    clip). Copies the engine makes never exceed twice the samples given:
+ *    images are reduced to the rectangle's user units and to the matrix's
+ *    scale factor but never enlarged in memory; one sample spans at most
+ *    65535 device pixels a side. */
+KRYN_EXPORT ResultCode KRYNPutImage(ImageDesc* image, int32_t x, int32_t y, int32_t width,
+                                    int32_t height, Engine* e);
+/* Paints nothing: frees the samples of both descriptions (once when they
+ * share one buffer) and answers KRYN_OK. The four integers are not read.
+ * KRYN_ERR_INVALID without an open page or for a null description, which
+ * leaves both buffers with the caller. */
+KRYN_EXPORT ResultCode KRYNPutImageWithMask(ImageDesc* image, ImageDesc* mask, int32_t x, int32_t y,
+                                            int32_t width, int32_t height, Engine* e);
+
 /* ---- Image masks and the image cache ------------------------------------ */
 
 /* Paints the current paint colour through a 1-bit mask (format 1: rows of

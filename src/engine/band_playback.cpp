@@ -5,6 +5,7 @@
 #include "engine/page_mode.h"
 #include "engine/page_record.h"
 #include "engine/page_resources.h"
+#include "image/image_table.h"
 #include "paint/screen_list.h"
 #include "render/band_interpreters.h"
 #include "render/band_renderer.h"
@@ -43,6 +44,9 @@ ResultCode playBand(Engine* e, OutputCallback callback, uintptr_t context, uint1
         }
     }
     resources->rendered = 1;
+    // The page's colour tables, which outlive any renderer made or resized
+    // during the page.
+    resources->renderer->colourTableList = pageColourTables(*e->pageSlot->page);
     const BandInterpreters& play = *resources->interpreters;
     BandInterpreter interpreter = play.playBand32;
     if (resources->colourSpace != 0) {

@@ -5,6 +5,7 @@
 #include "engine/page_mode.h"
 #include "engine/page_resources.h"
 #include "image/image_sources.h"
+#include "image/image_table.h"
 #include "stroke/pen_circle.h"
 
 #include <algorithm>
@@ -66,6 +67,7 @@ void destroyPageRecord(PageRecord* page) {
     releasePathPool(page->pathPool);
     releasePens(page->penCircles);
     releaseImageSources(page);
+    releasePageColourTables(page);
     closeScanState(&page->scan);
     freeBytes(page);
 }
@@ -100,12 +102,12 @@ void resetBand(BandEntry* band) {
     freeAndClear(band->columnRunBuffer);
     freeAndClear(band->rectBuffer);
     // A flushed band starts its mirrors again, except the band's position,
-    // its monochrome flag, the image mode and the blending mirrors.
+    // its monochrome flag and the blending mirrors. The image phases start
+    // again with the new list, as host playback starts every list at 0.
     const BandEntry kept = *band;
     *band = BandEntry();
     band->bandTop = kept.bandTop;
     band->bandMonochrome = kept.bandMonochrome;
-    band->lastImageMode = kept.lastImageMode;
     band->lastBlendOn = kept.lastBlendOn;
     band->lastBlendSelect = kept.lastBlendSelect;
     band->lastBlendSelectA = kept.lastBlendSelectA;

@@ -14,6 +14,7 @@ namespace kryn {
 struct DisplayList;
 struct ImageSourceEntry;
 struct PenCircle;
+struct RendererColourTable;
 
 // Marks an empty band range (first > last).
 inline constexpr int16_t RANGE_EMPTY_FIRST = 32767;
@@ -52,11 +53,11 @@ struct BandEntry {
     uint32_t lastPaintIndex = NO_PAINT_INDEX;
     uint16_t lastFillOpaque = 1;
     uint16_t lastImageOpaque = 1;
+    uint32_t lastOrigin[2] = {0, 0};
+    uint32_t lastImageMode = 0;
     // Fields below survive a band flush.
     int32_t bandTop = 0;         // first device row of the band
     uint16_t bandMonochrome = 1; // only black and white recorded so far
-    uint32_t lastOrigin[2] = {0, 0};
-    uint32_t lastImageMode = 0;
     uint32_t lastBlendOn = 0;
     uint8_t lastBlendSelect = 255;
     uint8_t lastBlendSelectA = 255;
@@ -97,6 +98,8 @@ struct PageRecord {
     // Images whose samples the page's records point into, newest first;
     // released with the page (image/image_sources.h).
     ImageSourceEntry* imageSources = nullptr;
+    // Colour tables of indexed images, newest first (image/image_table.h).
+    RendererColourTable* colourTables = nullptr;
 };
 
 // Allocates and initialises a page for an engine, bands included, and

@@ -105,8 +105,7 @@ void destroyBandRenderer(BandRenderer* renderer) {
 
 void releaseRendererPageLists(BandRenderer* renderer) {
     releaseTileList(renderer->tileList);
-    releaseColourTableList(renderer->colourTableList);
-    releaseImageBufferList(renderer->imageList);
+    renderer->colourTableList = nullptr; // borrowed from the page
 }
 
 } // namespace kryn

@@ -18,7 +18,6 @@ namespace kryn {
 
 struct PaintState;
 struct RendererColourTable;
-struct RendererImageBuffer;
 struct RendererTile;
 
 // What playBand chose the renderer to be by the first band it played.
@@ -36,8 +35,7 @@ struct BandRenderer {
     DirtyBox box;            // what the band last painted; the next band start clears it
     uint8_t* raster = nullptr;
     RendererTile* tileList = nullptr;
-    RendererColourTable* colourTableList = nullptr;
-    RendererImageBuffer* imageList = nullptr;
+    const RendererColourTable* colourTableList = nullptr; // the page's, while it plays
     uint32_t tagImageWord = 0; // tag values in the top byte
     uint32_t tagGraphicsWord = 0;
     uint32_t tagBitmapWord = 0;

@@ -1,7 +1,12 @@
 #include "render/mark_runs.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace kryn {
 
@@ -45,37 +50,63 @@ int32_t skipMatching(const uint32_t* row, int32_t x, int32_t end, uint32_t v, ui
     return x;
 }
 
-// One row of the box; answers whether it holds a non-white pixel.
+// Bit i set where the word at x + i differs from the one before it, for
+// the eight columns x..x + 7.
+inline uint32_t changesOf8(const uint32_t* row, int32_t x) {
+#if defined(__SSE2__)
+    const auto* at = reinterpret_cast<const __m128i*>(row + x);
+    const auto* before = reinterpret_cast<const __m128i*>(row + x - 1);
+    const int low = _mm_movemask_ps(
+        _mm_castsi128_ps(_mm_cmpeq_epi32(_mm_loadu_si128(at), _mm_loadu_si128(before))));
+    const int high = _mm_movemask_ps(
+        _mm_castsi128_ps(_mm_cmpeq_epi32(_mm_loadu_si128(at + 1), _mm_loadu_si128(before + 1))));
+    return ~static_cast<uint32_t>(low | high << 4) & 0xFFu;
+#else
+    uint32_t bits = 0;
+    for (int32_t i = 0; i < 8; ++i) {
+        bits |= (row[x + i] != row[x + i - 1] ? 1u : 0u) << i;
+    }
+    return bits;
+#endif
+}
+
+// Closes a run at every column from x on (up to maxX) whose word differs
+// from the one before it, from the run at `head` on; answers the head of
+// the last run. Eight columns are compared at a time: a closed run writes
+// only its own head and the word after it, never a word still to be
+// compared.
+int32_t closeChanges(uint32_t* row, int32_t head, int32_t x, int32_t maxX) {
+    for (; x + 7 <= maxX; x += 8) {
+        for (uint32_t bits = changesOf8(row, x); bits != 0; bits &= bits - 1) {
+            const int32_t at = x + std::countr_zero(bits);
+            closeRun(row, head, at - head);
+            head = at;
+        }
+    }
+    for (; x <= maxX; ++x) {
+        if (row[x] != row[x - 1]) {
+            closeRun(row, head, x - head);
+            head = x;
+        }
+    }
+    return head;
+}
+
+// One row of the box; answers whether it holds a non-white pixel. A run
+// ends where a word differs from the one before it; closing a run writes
+// only into its own head and the word after it, behind the scan.
 bool markRow(uint32_t* row, int32_t width, int32_t minX, int32_t maxX) {
-    int32_t x = skipMatching(row, minX, maxX, WHITE, WHITE);
+    const int32_t x = skipMatching(row, minX, maxX, WHITE, WHITE);
     const bool inked = x <= maxX;
     int32_t head = 0;
     int32_t length = x; // the white columns before the ink join the run at 0
     if (inked) {
-        uint32_t v = row[head];
-        for (;;) {
-            // Screened paint changes colour every pixel or two: a run that
-            // ends at once is closed without the pairwise scan.
-            if (x <= maxX && row[x] != v) {
-                closeRun(row, head, length);
-                head = x;
-                v = row[x];
-                length = 1;
-                ++x;
-                continue;
-            }
-            const int32_t next = skipMatching(row, x, maxX, v, 0xFFFFFFFFu);
-            length += next - x;
-            x = next;
-            if (x > maxX) {
-                break;
-            }
-            closeRun(row, head, length);
+        if (x > 0) {
+            closeRun(row, 0, x);
             head = x;
-            v = row[x];
-            length = 1;
-            ++x;
         }
+        head = closeChanges(row, head, head + 1, maxX);
+        length = maxX + 1 - head;
     }
     const int32_t rest = width - maxX - 1;
     if (rest >= 2) {

@@ -5,6 +5,7 @@
 #include "render/area_solid.h"
 #include "render/flatten_blocks.h"
 #include "render/mask_members.h"
+#include "render/image_members.h"
 #include "render/raster_pixels.h"
 
 namespace kryn {
@@ -26,9 +27,11 @@ namespace {
         paintScreened<Pixels, SCREEN_BITS_OPAQUE, G>, paintScreened<Pixels, SCREEN_SAMPLES, G>
 
 // Members by screen: solid, 1-bit transparent zeros, 1-bit opaque zeros,
-// tile samples; the same for the blend members. Every image family is
-// still empty; block flattening
-// follows 8-bit (kind 0x20) and 24-bit (kind 0x40) images.
+// tile samples; the same for the blend members. Image families by kind
+// nibble: 1-bit images, grey images (0x20, 0x30) on 8-bit rasters, colour
+// images (0x40, 0x50) on 32-bit rasters, indexed images on both; the kinds
+// that carry alpha paint only while blending. Block flattening follows
+// 8-bit (kind 0x20) and 24-bit (kind 0x40) images.
 const RenderFamilies GREY_FAMILIES = {
     {{
         {paintSolidRectGrey, KRYN_SCREENED(GreyPixels, AREA_RECT)},
@@ -44,11 +47,14 @@ const RenderFamilies GREY_FAMILIES = {
         KRYN_BLENDS(GreyPixels, AREA_ROW_SPANS),
         KRYN_BLENDS(GreyPixels, AREA_COLUMN_RUNS),
     }},
-    {},
-    {},
+    {paintBitImageGrey, nullptr, paintGreyImageGrey, paintGreyImageGrey, nullptr, nullptr, nullptr,
+     nullptr, paintIndexedImageGrey},
+    {blendBitImageGrey, nullptr, blendGreyImageGrey, blendGreyImageGrey, nullptr, nullptr, nullptr,
+     nullptr, blendIndexedImageGrey, blendIndexedAlphaImageGrey, nullptr, nullptr, nullptr,
+     blendGreyAlphaImageGrey},
     paintMaskGrey,
     blendMaskGrey,
-    nullptr,
+    paintDirectScaledGrey,
     {nullptr, nullptr, flattenBlocksGrey},
 };
 
@@ -67,11 +73,14 @@ const RenderFamilies COLOUR_FAMILIES = {
         KRYN_BLENDS(ColourPixels, AREA_ROW_SPANS),
         KRYN_BLENDS(ColourPixels, AREA_COLUMN_RUNS),
     }},
-    {},
-    {},
+    {paintBitImageColour, nullptr, nullptr, nullptr, paintColourImageColour, paintColourImageColour,
+     nullptr, nullptr, paintIndexedImageColour},
+    {blendBitImageColour, nullptr, nullptr, nullptr, blendColourImageColour, blendColourImageColour,
+     nullptr, nullptr, blendIndexedImageColour, blendIndexedAlphaImageColour, nullptr,
+     blendColourAlphaImageColour},
     paintMaskColour,
     blendMaskColour,
-    nullptr,
+    paintDirectScaledColour,
     {nullptr, nullptr, nullptr, nullptr, flattenBlocksColour},
 };
 

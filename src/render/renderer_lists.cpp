@@ -21,17 +21,5 @@ void releaseTileList(RendererTile*& head) {
     releaseNodes(head);
 }
 
-void releaseColourTableList(RendererColourTable*& head) {
-    releaseNodes(head);
-}
-
-void releaseImageBufferList(RendererImageBuffer*& head) {
-    for (RendererImageBuffer* node = head; node != nullptr; node = node->next) {
-        if (node->samples != nullptr) {
-            freeBytes(node->samples);
-        }
-    }
-    releaseNodes(head);
-}
 
 } // namespace kryn

@@ -1,8 +1,10 @@
 // The per-page lists the band renderer searches while it plays: screen
-// tiles (by screen id), image colour tables (by table id) and the image
-// sample buffers that the page's image records point into. Each node is one
-// allocation that the renderer frees when the page's bands have been played;
-// an image buffer node also owns its sample buffer.
+// tiles (by screen id) and image colour tables (by table id). Tile nodes
+// are the renderer's, one allocation each, freed when the page's bands have
+// been played. Colour tables belong to the page (image/image_table.h),
+// since they must outlive a renderer resized or made during the page; the
+// renderer borrows the page's list while it plays. Image samples belong to
+// the page too (image/image_sources.h).
 #pragma once
 
 #include <cstdint>
@@ -21,19 +23,15 @@ struct RendererTile {
     const uint8_t* alpha = nullptr;
 };
 
+// A colour table: 256 entries whatever its length, those past its last
+// index repeating the last entry, so that any 8-bit sample reads an entry.
 struct RendererColourTable {
     RendererColourTable* next;
     uint16_t tableId;
+    uint8_t lastIndex; // entries given - 1 (15 or 255)
     const uint32_t* entries;
 };
 
-struct RendererImageBuffer {
-    RendererImageBuffer* next;
-    void* samples; // owned: freed with the node
-};
-
 void releaseTileList(RendererTile*& head);
-void releaseColourTableList(RendererColourTable*& head);
-void releaseImageBufferList(RendererImageBuffer*& head);
 
 } // namespace kryn

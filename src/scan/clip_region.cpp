@@ -1,5 +1,6 @@
 #include "scan/clip_region.h"
 
+#include "scan/clip_index.h"
 #include "scan/scan_state.h"
 #include "scan/wide_math.h"
 
@@ -61,13 +62,19 @@ void setRegionShape(ClipRegion* region, const IntBox& box) {
     region->clipBox.minY = static_cast<float>(box.minY) * 0.0625f;
     region->clipBox.maxY = static_cast<float>(box.maxY) * 0.0625f;
     const Trapezoid* t = region->activeList;
-    region->isRect = static_cast<int16_t>(
-        t == nullptr || (t->next == nullptr && t->leftEdge->xTop == t->leftEdge->xBottom &&
-                         t->rightEdge->xTop == t->rightEdge->xBottom));
+    region->isRect =
+        static_cast<int16_t>(t == nullptr || (region->index == nullptr && t->next == nullptr &&
+                                              t->leftEdge->xTop == t->leftEdge->xBottom &&
+                                              t->rightEdge->xTop == t->rightEdge->xBottom));
 }
 
 void releaseClip(ClipRegion* region) {
-    freeTrapezoidList(region->ownedList);
+    if (region->index != nullptr && region->ownedList == &region->index->head) {
+        freeRegionIndex(region->index);
+    } else {
+        freeTrapezoidList(region->ownedList);
+    }
+    region->index = nullptr;
     region->ownedList = nullptr;
     region->activeList = nullptr;
     if (region->pool != nullptr) {

@@ -9,6 +9,8 @@
 
 namespace kryn {
 
+struct RegionIndex;
+
 struct ClipRegion {
     EdgePool* pool = nullptr;        // null for an inherited or empty region
     Trapezoid* ownedList = nullptr;  // set when this state owns the trapezoids
@@ -16,6 +18,9 @@ struct ClipRegion {
     IntBox intBox;                   // 1/16 pixel, bounds every pixel sample inside
     ScanFloatBox clipBox;            // intBox in pixels
     int16_t isRect = 0;              // empty, or one trapezoid with vertical sides
+    // A swept region: its pieces (the lists point at its first piece, and
+    // an owned region owns the index with them).
+    RegionIndex* index = nullptr;
 };
 
 // The box of a trapezoid's pixels (1/16 pixel): corner x values rounded
@@ -27,7 +32,7 @@ IntBox trapezoidBox(const Trapezoid& t, int32_t quarterTurns);
 // down, right rounded up).
 void setTrapezoidCorners(Trapezoid* t);
 
-// Sets intBox, clipBox and isRect from a list of trapezoids.
+// Sets intBox, clipBox and isRect from a list of trapezoids (or an index).
 void setRegionShape(ClipRegion* region, const IntBox& box);
 
 // Frees the region's trapezoids, clears its lists and resets its pool.

@@ -93,11 +93,14 @@ ResultCode clipWithEdges(ClipStack* stack, ScanState* scan, const BaseClip& base
     }
     scan->clipPool = nullptr;
     Trapezoid* list = scan->collected;
+    RegionIndex* index = scan->collectedIndex;
     const IntBox box = scan->collectedBox;
     scan->collected = scan->collectedTail = nullptr;
+    scan->collectedIndex = nullptr;
     scan->collectedBox = IntBox();
     if (failed(r)) {
         freeTrapezoidList(list);
+        freeRegionIndex(index);
         pool->reset();
         stack->poolState[picked] = CLIP_POOL_FREE;
         return r;
@@ -113,6 +116,10 @@ ResultCode clipWithEdges(ClipStack* stack, ScanState* scan, const BaseClip& base
         releaseClip(&doomed);
     }
     ClipRegion region;
+    if (index != nullptr) {
+        region.index = index;
+        list = &index->head;
+    }
     if (list == nullptr) {
         pool->reset();
         stack->poolState[picked] = CLIP_POOL_FREE;

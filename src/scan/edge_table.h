@@ -1,6 +1,7 @@
-// The edges of one fill sorted by yTop (ties by xTop) and its vertex events
-// sorted by y. Small paths keep plain sorted lists; larger ones bucket both
-// lists by y so that an insertion finds its place without a long walk.
+// The edges of one fill and their vertex events. Edges are collected as
+// they come (newest first) and sorted once, when the sweep starts, by yTop
+// and then xTop; equal pairs keep the newest edge first. The vertex events
+// form the chains of the subpaths and are not sorted.
 #pragma once
 
 #include "engine/result_codes.h"
@@ -13,22 +14,13 @@ namespace kryn {
 inline constexpr int32_t TABLE_PLAIN = 1;
 inline constexpr int32_t TABLE_BUCKETED = 2;
 
-// One distinct y of a bucketed list: its first and last record.
-struct TableBucket {
-    TableBucket* next = nullptr;
-    int32_t y = 0;
-    void* first = nullptr;
-    void* last = nullptr;
-};
-
 struct EdgeTable {
-    int32_t mode = TABLE_PLAIN;
+    int32_t mode = TABLE_PLAIN; // from the path's record count; the order is the same
     Edge* edges = nullptr;
-    VertexEvent* events = nullptr;
-    TableBucket* edgeBuckets = nullptr;
-    TableBucket* eventBuckets = nullptr;
+    VertexEvent* events = nullptr; // newest first
     IntBox box;
     int32_t edgeCount = 0;
+    bool sorted = true; // edges are in sweep order
 };
 
 // Mode from the path's record count; the table must be empty.
@@ -37,10 +29,14 @@ void setTableMode(EdgeTable* table, int32_t pathRecords);
 ResultCode insertEdge(EdgeTable* table, Edge* edge);
 ResultCode insertEvent(EdgeTable* table, VertexEvent* event);
 
+// Puts the edges in sweep order: yTop, then xTop, equal pairs newest first
+// (a stable merge sort, O(n log n)).
+void sortEdgeTable(EdgeTable* table);
+
 // Drops horizontal edges from the list (they take no part in the sweep).
 void removeHorizontalEdges(EdgeTable* table);
 
-// Frees the buckets and empties the lists (the records belong to pools).
+// Empties the lists (the records belong to pools).
 void clearTable(EdgeTable* table);
 
 } // namespace kryn

@@ -1,6 +1,6 @@
 #include "scan/fill_quad.h"
 
-#include "scan/mark_crossings.h"
+#include "scan/edge_crossing.h"
 #include "scan/scan_convert.h"
 #include "scan/sweep.h"
 

@@ -1,6 +1,6 @@
 #include "scan/scan_convert.h"
 
-#include "scan/mark_crossings.h"
+#include "scan/edge_crossing.h"
 #include "scan/sweep.h"
 
 namespace kryn {
@@ -81,16 +81,14 @@ ResultCode scanConvert(ScanState* scan, int32_t rule, const ClipRegion& clip, in
     if (!scanTarget(scan, clip, mode, recorder, &target)) {
         return finish(scan, KRYN_OK);
     }
+    sortEdgeTable(&scan->table);
     bool done = false;
-    ResultCode r = tryShortcut(scan, target, &done);
+    const ResultCode r = tryShortcut(scan, target, &done);
     if (done || failed(r)) {
         return finish(scan, r);
     }
-    r = markCrossings(scan);
-    if (!failed(r)) {
-        r = sweepEdges(scan, rule, target);
-    }
-    return finish(scan, r);
+    removeHorizontalEdges(&scan->table);
+    return finish(scan, sweepEdges(scan, rule, target, true));
 }
 
 ResultCode scanConvertStroke(ScanState* scan, const ClipRegion& clip, int32_t mode,
@@ -99,8 +97,9 @@ ResultCode scanConvertStroke(ScanState* scan, const ClipRegion& clip, int32_t mo
     if (!scanTarget(scan, clip, mode, recorder, &target)) {
         return finish(scan, KRYN_OK);
     }
+    sortEdgeTable(&scan->table);
     removeHorizontalEdges(&scan->table);
-    return finish(scan, sweepEdges(scan, FILL_EVEN_ODD, target));
+    return finish(scan, sweepEdges(scan, FILL_EVEN_ODD, target, false));
 }
 
 } // namespace kryn

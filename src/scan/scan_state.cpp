@@ -29,6 +29,9 @@ void closeScanState(ScanState* scan) {
     scan->events.release();
     freeTrapezoidList(scan->collected);
     scan->collected = scan->collectedTail = nullptr;
+    freeRegionIndex(scan->collectedIndex);
+    scan->collectedIndex = nullptr;
+    scan->cursor.release();
     freeAndClear(scan->rowSpanPairs);
     scan->bandHeight = 0;
 }

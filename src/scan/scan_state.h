@@ -5,6 +5,7 @@
 #pragma once
 
 #include "engine/result_codes.h"
+#include "scan/clip_index.h"
 #include "scan/edge_table.h"
 #include "scan/record_pool.h"
 #include "scan/scan_types.h"
@@ -24,7 +25,10 @@ struct ScanState {
     Trapezoid* collected = nullptr;   // clip region being built, by yTop, yBottom
     Trapezoid* collectedTail = nullptr;
     IntBox collectedBox;
-    uint16_t* rowSpanPairs = nullptr; // bandHeight (left, count) pairs
+    RegionIndex* collectedIndex = nullptr; // a swept clip region, instead of the list
+    uint64_t regionSerial = 0;             // numbers the swept regions of the page
+    ClipCursor cursor;                     // replays the bands of swept regions
+    uint16_t* rowSpanPairs = nullptr;      // bandHeight (left, count) pairs
     int32_t bandHeight = 0;
 
     EdgePool& edgePool() { return clipPool != nullptr ? *clipPool : ownEdges; }

@@ -13,8 +13,10 @@ inline int32_t foldFillRule(int32_t rule, int32_t state, const Edge& e) {
     return rule == FILL_EVEN_ODD ? (state == 0 ? 1 : 0) : state + e.direction;
 }
 
-// Sweeps the (non-horizontal) edges of the table with the fill rule.
-ResultCode sweepEdges(ScanState* scan, int32_t rule, const ScanTarget& target);
+// Sweeps the (non-horizontal) edges of the sorted table with the fill rule.
+// With crossingLines, every crossing of two edges is an event line of its
+// own (fills); without, crossings only reorder the edges (stroke outlines).
+ResultCode sweepEdges(ScanState* scan, int32_t rule, const ScanTarget& target, bool crossingLines);
 
 // Order of two edges on the rows that follow line y: x on the line (on the
 // line below for 2 and 3 quarter turns), then slope. Exact.

@@ -64,7 +64,8 @@ TEST_F(RobustPlayback, UnpaintableAndMalformedRecordsArePassedOver) {
     recordBytes(e(), 0, {134, 0, 0, 0}, 4);
     rect(0, 0, 0, 4, 4);
     // Band 1: an array record without its array, a rectangle far outside the
-    // band, and images with no painter.
+    // band, a colour image (grey bands do not paint that kind) and a mask
+    // (no painter yet).
     static const uint8_t samples[4] = {};
     std::vector<uint8_t> noArray(ARRAY_RECORD_SIZE, 0);
     noArray[0] = DL_OP_RUNS;
@@ -72,7 +73,7 @@ TEST_F(RobustPlayback, UnpaintableAndMalformedRecordsArePassedOver) {
     recordBytes(e(), 1, noArray, 8);
     rop(1, 0xF0);
     paint(1, 0);
-    ASSERT_EQ(writeImage(list(1), 0x20, 0, {0, 0}, 1, 1, {samples, 1, 1, 1}, res()), KRYN_OK);
+    ASSERT_EQ(writeImage(list(1), 0x40, 0, {0, 0}, 1, 1, {samples, 1, 1, 4}, res()), KRYN_OK);
     ASSERT_EQ(writeMaskImage(list(1), 0, {0, 0}, 8, 1, {samples, 8, 1, 1}, res()), KRYN_OK);
     recordBytes(e(), 1, {DL_OP_RECT, 250, 0x60, 0xEA, 0xFF, 0xFF, 200, 0}, 8);
     rect(1, 15, 60, 40, 1);

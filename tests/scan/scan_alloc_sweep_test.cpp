@@ -78,6 +78,37 @@ TEST(ScanAllocSweep, ClipAndFillFailCleanly) {
     }
 }
 
+// Self-crossing paths of many edges: the sweep's queues and order, and a
+// clip region kept as runs of edge pairs, under every allocation failing.
+TEST(ScanAllocSweep, BigSelfCrossingPathsFailCleanly) {
+    PolygonMaker maker(7, W, H);
+    const std::vector<OraclePolygon> clip = {maker.star(61, 23), maker.star(37, 11)};
+    OraclePolygon zigzag;
+    for (int32_t i = 0; i < 40; ++i) {
+        zigzag.push_back({i % 2 == 0 ? -20 : 16 * W + 20, maker.coord(16 * H)});
+    }
+    const std::vector<OraclePolygon> fill = {zigzag, maker.star(45, 17)};
+    for (int32_t q = 0; q < 4; ++q) {
+        const SweepReport report = sweepAllocationFailures([&](bool) {
+            ScanPage page(W, H, q, 8);
+            if (!page.ok) {
+                return;
+            }
+            ResultCode r = clipPolygons(page, clip, q % 2);
+            expectOkOrNoMemory(r, "clip");
+            if (r != KRYN_OK) {
+                expectRegion(page, {pageRectangle(page.page)}, 0);
+                return;
+            }
+            PixelCounts c(page.raster());
+            r = fillPolygons(page, fill, 1, c.recorder(8, true));
+            expectOkOrNoMemory(r, "fill");
+            expectRegion(page, clip, q % 2);
+        });
+        EXPECT_GT(report.failedRuns, 10u);
+    }
+}
+
 // A recorder that fails stops the fill with its code and leaves the pools
 // ready for the next fill.
 TEST(ScanAllocSweep, RecorderFailureStopsTheFill) {

@@ -19,6 +19,10 @@ const Parameter SCREEN{ParamType::Screen};
 const Parameter U8{ParamType::U8};
 const Parameter UPTR{ParamType::UPtr};
 const Parameter RANGES3{ParamType::ArrayU16, {3}}; // the three ranges of an alpha key
+// Image descriptions whose samples pass to the engine (unless it refuses
+// the call), and the colour table of KRYNSetImageTable (read up to 256).
+const Parameter IMAGE{ParamType::Image, {}, ImageOwnership::PassesToEngine};
+const Parameter IMAGE_TABLE{ParamType::ArrayU32, {256}};
 
 // Masks: the samples pass to the engine when the ownership argument (3) is
 // 1 (unless the call refuses its arguments), else they stay with the player.
@@ -186,6 +190,12 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
     {"PopGState", {}, [](Engine* e, CallFrame&) { return KRYNPopGState(e); }},
     {"PushClip", {}, [](Engine* e, CallFrame&) { return KRYNPushClip(e); }},
     {"PushGState", {}, [](Engine* e, CallFrame&) { return KRYNPushGState(e); }},
+    {"PutImage",
+     {IMAGE, I32, I32, I32, I32},
+     [](Engine* e, CallFrame& f) {
+         return KRYNPutImage(f.image(0), f.scalar<int32_t>(1), f.scalar<int32_t>(2),
+                             f.scalar<int32_t>(3), f.scalar<int32_t>(4), e);
+     }},
     {"PutImageCache",
      {I32, I32, U16},
      [](Engine* e, CallFrame& f) {
@@ -197,6 +207,13 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
      [](Engine* e, CallFrame& f) {
          return KRYNPutImageMask(f.image(0), f.scalar<int32_t>(1), f.scalar<int32_t>(2),
                                  f.scalar<uint16_t>(3), e);
+     }},
+    {"PutImageWithMask",
+     {IMAGE, IMAGE, I32, I32, I32, I32},
+     [](Engine* e, CallFrame& f) {
+         return KRYNPutImageWithMask(f.image(0), f.image(1), f.scalar<int32_t>(2),
+                                     f.scalar<int32_t>(3), f.scalar<int32_t>(4),
+                                     f.scalar<int32_t>(5), e);
      }},
     {"RectPath",
      {I32, I32, I32, I32},
@@ -238,6 +255,11 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
     {"SetImageCacheInfo",
      {U16},
      [](Engine* e, CallFrame& f) { return KRYNSetImageCacheInfo(f.scalar<uint16_t>(0), e); }},
+    {"SetImageTable",
+     {U32, IMAGE_TABLE, U32},
+     [](Engine* e, CallFrame& f) {
+         return KRYNSetImageTable(f.scalar<uint32_t>(0), f.u32(1), f.scalar<uint32_t>(2), e);
+     }},
     {"SetLineCap",
      {U16},
      [](Engine* e, CallFrame& f) { return KRYNSetLineCap(f.scalar<uint16_t>(0), e); }},
