@@ -22,6 +22,8 @@ const char USAGE[] =
     "  --stream FILE    the bytes of every stream chunk (the device stream)\n"
     "  --out FILE       each page's delivered bands as one picture (.png, .pgm or .ppm;\n"
     "                   several pages: FILE-1.png, FILE-2.png, ...)\n"
+    "  --shrink N       pictures N times smaller on each side (1..64), each pixel the\n"
+    "                   average of the N x N it stands for\n"
     "  --strict         end with status 3 when an engine call answered an error code\n"
     "                   (or Init opened no engine); the script still runs to its end\n"
     "  -h, --help       this help\n"
@@ -36,6 +38,7 @@ struct Arguments {
     std::string trace;
     std::string stream;
     std::string out;
+    uint32_t shrink = 1;
     bool strict = false;
     bool help = false;
     bool version = false;
@@ -53,6 +56,15 @@ std::string parseArguments(int argc, char** argv, Arguments& out) {
             out.version = true;
         } else if (arg == "--strict") {
             out.strict = true;
+        } else if (arg == "--shrink") {
+            const std::string value = hasValue ? argv[++i] : "";
+            const bool digits = !value.empty() && value.size() <= 2 &&
+                                value.find_first_not_of("0123456789") == std::string::npos;
+            const int n = digits ? std::stoi(value) : 0;
+            if (n < 1 || n > 64) {
+                return "--shrink needs a factor from 1 to 64";
+            }
+            out.shrink = static_cast<uint32_t>(n);
         } else if (arg == "--trace" || arg == "--stream" || arg == "--out") {
             if (!hasValue) {
                 return arg + " needs a file name";
@@ -81,7 +93,7 @@ std::string parseArguments(int argc, char** argv, Arguments& out) {
 // second page appears.
 class PictureOutput {
   public:
-    explicit PictureOutput(std::string path) : path_(std::move(path)) {}
+    PictureOutput(std::string path, uint32_t shrink) : path_(std::move(path)), shrink_(shrink) {}
 
     void startEngine(uint32_t width, uint32_t height, uint32_t bandHeight) {
         width_ = width;
@@ -96,6 +108,7 @@ class PictureOutput {
             std::rename(path_.c_str(), numbered(1).c_str());
         }
         std::string error;
+        current().shrink(shrink_);
         if (!kryn::script::writePicture(current(), pages_ == 1 ? path_ : numbered(pages_), error)) {
             error_ = error;
         }
@@ -116,6 +129,7 @@ class PictureOutput {
     }
 
     std::string path_;
+    uint32_t shrink_ = 1;
     uint32_t width_ = 0;
     uint32_t height_ = 0;
     uint32_t bandHeight_ = 0;
@@ -174,7 +188,7 @@ int main(int argc, char** argv) {
             std::cerr << "kryn-play: --out needs a .png, .pgm or .ppm file\n";
             return EXIT_SCRIPT_ERROR;
         }
-        pictures = std::make_unique<PictureOutput>(args.out);
+        pictures = std::make_unique<PictureOutput>(args.out, args.shrink);
         options.onInit = [&](uint32_t w, uint32_t h, uint32_t b) {
             pictures->startEngine(w, h, b);
         };

@@ -504,6 +504,76 @@ KRYN_EXPORT ResultCode KRYNPutImage(ImageDesc* image, int32_t x, int32_t y, int3
 KRYN_EXPORT ResultCode KRYNPutImageWithMask(ImageDesc* image, ImageDesc* mask, int32_t x, int32_t y,
                                             int32_t width, int32_t height, Engine* e);
 
+/* ---- Image masks and the image cache ------------------------------------ */
+
+/* Paints the current paint colour through a 1-bit mask (format 1: rows of
+ * rowStride bytes, most significant bit first): every 1 sample paints, every
+ * 0 leaves the page as it is. The logical function is not applied; the
+ * screen is. Sample (0, 0) lies at user (x, y), one sample a user unit:
+ * quarter turns and mirrors of the matrix, at any scale on each axis, are
+ * exact; other angles paint the mask upright, in the orientation nearest
+ * to the matrix's.
+ * Ownership 1: the samples (from GlobalAlloc) pass to the engine unless the
+ * call answers KRYN_ERR_INVALID; the engine frees them when the page ends,
+ * or at once when it needs a copy anyway. Any other value: the engine
+ * paints from a copy of its own, so the caller may reuse its buffer as soon
+ * as the call returns.
+ *  - KRYN_ERR_INVALID: no open page; a null description or samples; width,
+ *    height or rowStride below 1, or rowStride shorter than a packed row;
+ *    a format other than 1.
+ *  - KRYN_ERR_NO_MEMORY: memory runs out (bands recorded before keep their
+ *    records); a scale that would make the mask's device bitmap larger than
+ *    64 MiB, its rows wider than 524280 pixels, or one sample 65536 pixels
+ *    or more; a band list that can count no more bytes.
+ *  - KRYN_OK: painted, or nothing to paint (outside the clip). */
+KRYN_EXPORT ResultCode KRYNPutImageMask(ImageDesc* mask, int32_t x, int32_t y, uint16_t ownership,
+                                        Engine* e);
+
+/* The image cache keeps small 1-bit bitmaps (glyphs) that are painted many
+ * times: each is stored once, as the newest entry of one of a number of
+ * slots, turned and scaled to the device as the current matrix says, and
+ * placed again and again in the current paint colour like a mask. The
+ * cache belongs to the engine, not to a page: entries live on from page to
+ * page; at each page end every slot keeps only its newest entry, and
+ * KRYNEnd frees everything. */
+
+/* Sets the number of slots (32 after KRYNInit, 0 allowed) and enables the
+ * cache again, as long as nothing has been stored yet; afterwards it
+ * changes nothing. Always KRYN_OK; works without an open page. */
+KRYN_EXPORT ResultCode KRYNSetImageCacheInfo(uint16_t slots, Engine* e);
+/* Stores a width x height bitmap (rows of (width + 7) / 8 bytes, most
+ * significant bit first, 1 = paint), given in user orientation, as the
+ * newest entry of `slot`, which becomes valid. The bitmap is turned,
+ * mirrored and scaled by the linear part of the current matrix now; the
+ * engine keeps a copy. `key` is stored with the entry and not read;
+ * `reserved` is not read. A width or height of 0 stores an entry that
+ * paints nothing.
+ *  - KRYN_ERR_INVALID (nothing stored): no open page; a null bitmap; width
+ *    or height above 248 or negative; slot not below the slot count; a
+ *    scale that would make the device bitmap wider or taller than 65535
+ *    pixels or larger than 16 MiB.
+ *  - KRYN_ERR_NO_MEMORY: the cache is disabled, or memory runs out, which
+ *    disables it: every later store answers KRYN_ERR_NO_MEMORY (until
+ *    KRYNSetImageCacheInfo, when nothing had been stored yet). Entries
+ *    stored before stay and can still be placed. */
+KRYN_EXPORT ResultCode KRYNSetImageCache(uint16_t key, int16_t width, int16_t height,
+                                         uintptr_t reserved, const uint8_t* bitmap, uint16_t slot,
+                                         Engine* e);
+/* Paints the newest entry of `slot` with its reference point (the user
+ * origin of the bitmap as stored) at user (x, y): only the point follows
+ * the current matrix, the bitmap keeps the orientation and scale it was
+ * stored with. A bitmap whose bits are all 0 records nothing.
+ *  - KRYN_ERR_INVALID: no open page; slot not below the slot count;
+ *    nothing stored in the slot, or the slot cleared since.
+ *  - KRYN_ERR_NO_MEMORY: memory runs out (bands recorded before keep their
+ *    records). */
+KRYN_EXPORT ResultCode KRYNPutImageCache(int32_t x, int32_t y, uint16_t slot, Engine* e);
+/* Marks a slot invalid: placing it answers KRYN_ERR_INVALID until the next
+ * store. Its entries stay (records may point into them) and are freed by
+ * the next page end (all but the newest) or KRYNEnd. KRYN_ERR_INVALID for a
+ * slot not below the slot count; works without an open page. */
+KRYN_EXPORT ResultCode KRYNClearImageCache(uint16_t slot, Engine* e);
+
 #ifdef __cplusplus
 }
 #endif

@@ -2,6 +2,7 @@
 
 #include "engine/memory.h"
 #include "engine/page_lifecycle.h"
+#include "image/image_cache.h"
 #include "render/band_interpreters.h"
 #include "render/band_renderer.h"
 #include "transfer/download_tables.h"
@@ -87,6 +88,7 @@ void destroyEngine(Engine* e) {
     if (e->pageSlot != nullptr) {
         disposePage(e);
     }
+    releaseImageCache(e);
     releaseRenderResources(e->resources);
     destroyRecord(e);
 }

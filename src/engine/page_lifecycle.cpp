@@ -4,6 +4,7 @@
 #include "engine/memory.h"
 #include "engine/page_mode.h"
 #include "engine/page_record.h"
+#include "image/image_cache.h"
 #include "paint/screen_list.h"
 #include "render/band_renderer.h"
 
@@ -13,7 +14,7 @@ namespace {
 
 // Frees what the page and engine hold for the open page, once its bands are
 // played or abandoned: screens, renderer page data, bands, regions, the page
-// itself, its slot and the base clip.
+// itself, its slot, the base clip and the image cache's older entries.
 void releasePage(Engine* e) {
     PageSlot* slot = e->pageSlot;
     PageRecord* page = slot->page;
@@ -25,6 +26,8 @@ void releasePage(Engine* e) {
     destroyRecord(slot);
     e->pageSlot = nullptr;
     freeAndClear(e->baseClip);
+    // No record points into the image cache any more: older entries go.
+    trimImageCache(e);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "render/area_screened.h"
 #include "render/area_solid.h"
 #include "render/flatten_blocks.h"
+#include "render/mask_members.h"
 #include "render/image_members.h"
 #include "render/raster_pixels.h"
 
@@ -51,8 +52,8 @@ const RenderFamilies GREY_FAMILIES = {
     {blendBitImageGrey, nullptr, blendGreyImageGrey, blendGreyImageGrey, nullptr, nullptr, nullptr,
      nullptr, blendIndexedImageGrey, blendIndexedAlphaImageGrey, nullptr, nullptr, nullptr,
      blendGreyAlphaImageGrey},
-    nullptr,
-    nullptr,
+    paintMaskGrey,
+    blendMaskGrey,
     paintDirectScaledGrey,
     {nullptr, nullptr, flattenBlocksGrey},
 };
@@ -77,8 +78,8 @@ const RenderFamilies COLOUR_FAMILIES = {
     {blendBitImageColour, nullptr, nullptr, nullptr, blendColourImageColour, blendColourImageColour,
      nullptr, nullptr, blendIndexedImageColour, blendIndexedAlphaImageColour, nullptr,
      blendColourAlphaImageColour},
-    nullptr,
-    nullptr,
+    paintMaskColour,
+    blendMaskColour,
     paintDirectScaledColour,
     {nullptr, nullptr, nullptr, nullptr, flattenBlocksColour},
 };

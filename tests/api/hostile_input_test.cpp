@@ -35,7 +35,8 @@ bool ignoresEverything(std::string_view name) {
 // The operations that work without an open page.
 bool needsNoPage(std::string_view name) {
     return name == "ColorAttribute" || name == "GetPageResource" || name == "NewPage" ||
-           name == "End" || name == "SetQuantization" || ignoresEverything(name);
+           name == "End" || name == "SetQuantization" || name == "SetImageCacheInfo" ||
+           name == "ClearImageCache" || ignoresEverything(name);
 }
 
 bool isArray(ParamType t) {

@@ -50,6 +50,8 @@ no script|--trace -|none|2||no script given
 unknown option|--bogus -|good|2||unknown option '--bogus'
 two scripts|- -|good|2||one script at a time
 bad picture name|- --out page.bmp|good|2||needs a .png
+shrink needs a factor|- --shrink 0 --out page.pgm|good|2||--shrink needs a factor from 1 to 64
+shrink without a value|- --shrink|good|2||--shrink needs a factor
 engine errors are data|- --trace -|bad_call|0|^2 NewPage 0xFF02|
 strict: engine error ends with 3 after the whole script|--strict - --trace -|bad_call|3|^4 ClosePage 0x0000|<stdin>:2: NewPage 0xFF02
 strict: a clean script ends with 0|--strict -|good|0||

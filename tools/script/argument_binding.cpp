@@ -38,13 +38,13 @@ int64_t toInteger(const Value& v, const IntRange& range, const char* typeName) {
     if (v.kind != Value::Kind::Integer) {
         throw ScriptError(describe(v) + " is not an integer (" + typeName + " expected)");
     }
-    const std::string outOfRange = describe(v) + " does not fit " + typeName;
+    const auto outOfRange = [&] { return ScriptError(describe(v) + " does not fit " + typeName); };
     if (v.negative) {
         if (v.magnitude == 0) {
             return 0;
         }
         if (!range.isSigned || v.magnitude > static_cast<uint64_t>(-(range.min + 1)) + 1) {
-            throw ScriptError(outOfRange);
+            throw outOfRange();
         }
         return -static_cast<int64_t>(v.magnitude - 1) - 1;
     }
@@ -54,7 +54,7 @@ int64_t toInteger(const Value& v, const IntRange& range, const char* typeName) {
     if (v.hex && range.isSigned && v.magnitude < (uint64_t{1} << range.bits)) {
         return static_cast<int64_t>(v.magnitude) - (int64_t{1} << range.bits);
     }
-    throw ScriptError(outOfRange);
+    throw outOfRange();
 }
 
 const IntRange& scalarRange(ParamType type, const char*& name) {

@@ -26,9 +26,10 @@ const OperationEntry INIT_ENTRY{
 const OperationEntry RESTART_ENTRY{"Restart", {{ParamType::U32}}, nullptr};
 
 std::string resultText(ResultCode r) {
-    char text[8];
-    std::snprintf(text, sizeof text, "0x%04X", static_cast<unsigned>(r));
-    return text;
+    static const char DIGITS[] = "0123456789ABCDEF";
+    return {
+        '0',           'x', DIGITS[(r >> 12) & 15], DIGITS[(r >> 8) & 15], DIGITS[(r >> 4) & 15],
+        DIGITS[r & 15]};
 }
 
 void writeHex(std::ostream& out, const uint8_t* data, uint32_t bytes) {

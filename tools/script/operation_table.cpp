@@ -24,6 +24,27 @@ const Parameter RANGES3{ParamType::ArrayU16, {3}}; // the three ranges of an alp
 const Parameter IMAGE{ParamType::Image, {}, ImageOwnership::PassesToEngine};
 const Parameter IMAGE_TABLE{ParamType::ArrayU32, {256}};
 
+// Masks: the samples pass to the engine when the ownership argument (3) is
+// 1 (unless the call refuses its arguments), else they stay with the player.
+const Parameter MASK_IMAGE{ParamType::Image, {}, ImageOwnership::PassesWhenArgIsOne, 3};
+const Parameter BITMAP{ParamType::Bytes};
+
+// The bytes KRYNSetImageCache reads: rows of (width + 7) / 8 bytes, when
+// the sizes are ones it takes (0..248), so the player's bitmap is padded to
+// them. Other sizes are refused before the bitmap is read.
+ResultCode setImageCache(Engine* e, CallFrame& f) {
+    const int64_t w = f.args[1].integer;
+    const int64_t h = f.args[2].integer;
+    if (!f.args[4].isNull && w >= 0 && h >= 0 && w <= 248 && h <= 248) {
+        const auto bytes = static_cast<size_t>((w + 7) / 8 * h);
+        if (f.args[4].bytes.size() < std::max<size_t>(bytes, 1)) {
+            f.args[4].bytes.resize(std::max<size_t>(bytes, 1));
+        }
+    }
+    return KRYNSetImageCache(f.scalar<uint16_t>(0), f.scalar<int16_t>(1), f.scalar<int16_t>(2),
+                             f.scalar<uintptr_t>(3), f.bytes(4), f.scalar<uint16_t>(5), e);
+}
+
 Parameter arrayI32(int n) {
     return {ParamType::ArrayI32, {n}};
 }
@@ -92,6 +113,9 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
      {I32, I32, I32, I32, I32, I32, I32, I32},
      [](Engine* e, CallFrame& f) { return KRYNBowPath(ARGS8(f), e); }},
     {"ClearClip", {}, [](Engine* e, CallFrame&) { return KRYNClearClip(e); }},
+    {"ClearImageCache",
+     {U16},
+     [](Engine* e, CallFrame& f) { return KRYNClearImageCache(f.scalar<uint16_t>(0), e); }},
     {"Clip", {U16}, [](Engine* e, CallFrame& f) { return KRYNClip(f.scalar<uint16_t>(0), e); }},
     {"ClosePage",
      {},
@@ -172,6 +196,18 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
          return KRYNPutImage(f.image(0), f.scalar<int32_t>(1), f.scalar<int32_t>(2),
                              f.scalar<int32_t>(3), f.scalar<int32_t>(4), e);
      }},
+    {"PutImageCache",
+     {I32, I32, U16},
+     [](Engine* e, CallFrame& f) {
+         return KRYNPutImageCache(f.scalar<int32_t>(0), f.scalar<int32_t>(1),
+                                  f.scalar<uint16_t>(2), e);
+     }},
+    {"PutImageMask",
+     {MASK_IMAGE, I32, I32, U16},
+     [](Engine* e, CallFrame& f) {
+         return KRYNPutImageMask(f.image(0), f.scalar<int32_t>(1), f.scalar<int32_t>(2),
+                                 f.scalar<uint16_t>(3), e);
+     }},
     {"PutImageWithMask",
      {IMAGE, IMAGE, I32, I32, I32, I32},
      [](Engine* e, CallFrame& f) {
@@ -215,6 +251,10 @@ const std::array OPERATIONS = std::to_array<OperationEntry>({
     {"SetConstAlphaBlend",
      {I32},
      [](Engine* e, CallFrame& f) { return KRYNSetConstAlphaBlend(f.scalar<int32_t>(0), e); }},
+    {"SetImageCache", {U16, I16, I16, UPTR, BITMAP, U16}, setImageCache},
+    {"SetImageCacheInfo",
+     {U16},
+     [](Engine* e, CallFrame& f) { return KRYNSetImageCacheInfo(f.scalar<uint16_t>(0), e); }},
     {"SetImageTable",
      {U32, IMAGE_TABLE, U32},
      [](Engine* e, CallFrame& f) {

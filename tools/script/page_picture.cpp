@@ -145,6 +145,38 @@ void PagePicture::placeColour(const uint8_t* raster, uint32_t strideWords, uint3
     }
 }
 
+void PagePicture::shrink(uint32_t factor) {
+    if (factor <= 1 || factor > 64) {
+        return;
+    }
+    const uint32_t w = (width_ + factor - 1) / factor;
+    const uint32_t h = (height_ + factor - 1) / factor;
+    std::vector<uint8_t> out(size_t{w} * h * 3);
+    std::vector<uint32_t> sums(size_t{w} * 3);
+    for (uint32_t y = 0; y < h; ++y) {
+        std::fill(sums.begin(), sums.end(), 0u);
+        const uint32_t rows = std::min(factor, height_ - y * factor);
+        for (uint32_t r = 0; r < rows; ++r) {
+            const uint8_t* src = rgb_.data() + (size_t{y} * factor + r) * width_ * 3;
+            for (uint32_t x = 0; x < width_; ++x) {
+                for (uint32_t c = 0; c < 3; ++c) {
+                    sums[size_t{x / factor} * 3 + c] += src[size_t{x} * 3 + c];
+                }
+            }
+        }
+        for (uint32_t x = 0; x < w; ++x) {
+            const uint32_t n = rows * std::min(factor, width_ - x * factor);
+            for (uint32_t c = 0; c < 3; ++c) {
+                out[(size_t{y} * w + x) * 3 + c] =
+                    static_cast<uint8_t>((sums[size_t{x} * 3 + c] + n / 2) / n);
+            }
+        }
+    }
+    rgb_ = std::move(out);
+    width_ = w;
+    height_ = h;
+}
+
 bool writePicture(const PagePicture& picture, const std::string& path, std::string& error) {
     if (endsWith(path, ".png")) {
         return writePng(picture, path, error);

@@ -21,6 +21,13 @@ class PagePicture {
     // Rasters whose size matches neither layout are ignored.
     void placeBand(const RasterDelivery& delivery);
 
+    // Makes the picture `factor` times smaller on each side (1..64): every
+    // pixel the average of the factor x factor pixels it stands for (those
+    // of the block inside the page, at the right and bottom edges), so a
+    // 600-dpi page becomes a picture of a size a person can view, text and
+    // fine lines turning grey rather than breaking up.
+    void shrink(uint32_t factor);
+
     bool isColour() const { return colour_; }
     uint32_t width() const { return width_; }
     uint32_t height() const { return height_; }

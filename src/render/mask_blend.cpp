@@ -1,0 +1,223 @@
+// The blend members of the mask family: the mask's set bits laid over the
+// band with partial coverage instead of being stored, with the alpha of
+// the paint they take (render/blend_sources.h). Pixels of 32-bit rasters
+// take the bitmap tag.
+#include "render/blend_sources.h"
+#include "render/mask_members.h"
+#include "render/mask_tiles.h"
+#include "render/mask_walk.h"
+#include "render/raster_pixels.h"
+
+namespace kryn {
+
+namespace {
+
+// One colour at one alpha under every set bit; runs go sixteen bytes at a
+// time.
+template <class Pixels>
+struct BlendSolidMask {
+    using Pixel = typename Pixels::Pixel;
+    static constexpr bool GROUPS_ONLY = false;
+    BlendSolidMask(const PaintState& state, uint32_t alpha)
+        : ink(blendInk(alpha, slotColour(state, SLOT_IMAGE))), tag(state.tagBitmapWord) {}
+
+    void beginRow(const PaintState&, int32_t, int32_t) {}
+    void run(Pixel* at, int32_t, int32_t n) { Pixels::blendRow(at, n, ink, tag); }
+    void group(Pixel* at, int32_t, uint32_t bits, int32_t) {
+        forEachSetBit(bits, [&](int b) { at[b] = Pixels::blend(at[b], ink, tag); });
+    }
+
+    BlendInk ink;
+    uint32_t tag;
+};
+
+// A 1-bit screen: the mask colour at its alpha where the cell's bit is 1,
+// the back colour at its own where it is 0 (opaque cells); a colour at
+// alpha 0 leaves its pixels alone.
+template <class Pixels, bool OPAQUE>
+struct BlendBitsMask {
+    using Pixel = typename Pixels::Pixel;
+    static constexpr bool GROUPS_ONLY = false;
+    BlendBitsMask(const PaintState& state, const BitsBlend& plan)
+        : tile(state), one(blendInk(plan.alphaOne, slotColour(state, SLOT_IMAGE))),
+          zero(blendInk(plan.alphaZero, slotColour(state, SLOT_PAINT_BACK))),
+          paintOne(plan.alphaOne != 0), paintZero(OPAQUE && plan.alphaZero != 0),
+          tag(state.tagBitmapWord) {}
+
+    void beginRow(const PaintState&, int32_t y, int32_t left) { tile.beginRow(y, left); }
+    void group(Pixel* at, int32_t x, uint32_t bits, int32_t) {
+        const uint32_t cell = tile.bitsAt(x);
+        if (paintOne) {
+            forEachSetBit(bits & cell, [&](int b) { at[b] = Pixels::blend(at[b], one, tag); });
+        }
+        if (paintZero) {
+            forEachSetBit(bits & ~cell, [&](int b) { at[b] = Pixels::blend(at[b], zero, tag); });
+        }
+    }
+    void run(Pixel* at, int32_t x, int32_t n) {
+        for (int32_t i = 0; i < n; i += 8) {
+            const int32_t m = n - i < 8 ? n - i : 8;
+            group(at + i, x + i, 0xFF00u >> m & 0xFFu, m);
+        }
+    }
+
+    MaskBitTile tile;
+    BlendInk one;
+    BlendInk zero;
+    bool paintOne;
+    bool paintZero;
+    uint32_t tag;
+};
+
+// A tile of samples: each tile pixel at the alpha of its rule. The weights
+// are taken again only when the alpha changes.
+template <class Pixels, TileAlphaRule RULE>
+struct BlendSamplesMask {
+    using Pixel = typename Pixels::Pixel;
+    static constexpr bool GROUPS_ONLY = false;
+    explicit BlendSamplesMask(const PaintState& state)
+        : tile(state), alphas(state.tileAlpha), constant(state.blendSelect),
+          keyAlpha(state.blendSelectA), grey(state.bitsPerPixel == 8), tag(state.tagBitmapWord) {
+        for (int i = 0; i < 3; ++i) {
+            ranges[i] = state.blendRangesA[i];
+        }
+    }
+
+    uint32_t alphaOf(Pixel p, uint32_t own) const {
+        switch (RULE) {
+        case TileAlphaRule::CONSTANT:
+            return constant;
+        case TileAlphaRule::KEYED:
+            return insideKey(ranges, Pixels::channels(p), grey) ? keyAlpha : ALPHA_OPAQUE;
+        case TileAlphaRule::OWN:
+            return own;
+        case TileAlphaRule::OWN_CONSTANT:
+            return mulAlpha(own, constant);
+        default: // OWN_KEYED
+            return insideKey(ranges, Pixels::channels(p), grey) ? mulAlpha(own, keyAlpha) : own;
+        }
+    }
+    void paint(Pixel& d, int32_t c) {
+        const Pixel p = tile.sample(c);
+        const uint32_t own = alphaRow == nullptr ? ALPHA_OPAQUE : alphaRow[c];
+        const uint32_t a = alphaOf(p, own);
+        if (a == 0) {
+            return;
+        }
+        if (a != weightsAlpha) {
+            weights = blendWeights(a);
+            weightsAlpha = a;
+        }
+        d = Pixels::blendSample(d, p, weights, tag);
+    }
+
+    void beginRow(const PaintState&, int32_t y, int32_t left) {
+        tile.beginRow(y, left);
+        alphaRow = alphas == nullptr ? nullptr : alphas + int64_t{tile.rowIndex} * tile.tile.width;
+    }
+    void run(Pixel* at, int32_t x, int32_t n) {
+        tile.each(x, n, [&](int32_t i, int32_t c) { paint(at[i], c); });
+    }
+    void group(Pixel* at, int32_t x, uint32_t bits, int32_t) {
+        tile.atBits(x, bits, [&](int b, int32_t c) { paint(at[b], c); });
+    }
+
+    MaskSampleTile<Pixel> tile;
+    const uint8_t* alphas;
+    const uint8_t* alphaRow = nullptr;
+    uint32_t constant;
+    uint32_t keyAlpha;
+    uint16_t ranges[3];
+    bool grey;
+    uint32_t tag;
+    uint32_t weightsAlpha = ALPHA_OPAQUE + 1; // none yet
+    BlendWeights weights{};
+};
+
+template <class Paint, class... Args>
+void blendWith(PaintState& state, const ImageOperand& operand, Args&&... args) {
+    Paint paint(state, args...);
+    walkMask<typename Paint::Pixel>(state, operand, paint);
+}
+
+template <class Pixels>
+bool blendSolid(PaintState& state, const ImageOperand& operand) {
+    const SolidBlend plan = solidBlend(state, SLOT_IMAGE);
+    if (plan.action == BlendAction::PLAIN) {
+        return false;
+    }
+    if (plan.action == BlendAction::BLEND) {
+        blendWith<BlendSolidMask<Pixels>>(state, operand, plan.alpha);
+    }
+    return true;
+}
+
+template <class Pixels, bool OPAQUE>
+bool blendBits(PaintState& state, const ImageOperand& operand) {
+    const BitsBlend plan = bitsBlend(state, OPAQUE);
+    if (plan.action == BlendAction::PLAIN) {
+        return false;
+    }
+    if (plan.action == BlendAction::BLEND) {
+        blendWith<BlendBitsMask<Pixels, OPAQUE>>(state, operand, plan);
+    }
+    return true;
+}
+
+template <class Pixels>
+bool blendSamples(PaintState& state, const ImageOperand& operand) {
+    switch (tileAlphaRule(state)) {
+    case TileAlphaRule::PLAIN:
+        return false;
+    case TileAlphaRule::NOTHING:
+        return true;
+    case TileAlphaRule::CONSTANT:
+        blendWith<BlendSamplesMask<Pixels, TileAlphaRule::CONSTANT>>(state, operand);
+        return true;
+    case TileAlphaRule::KEYED:
+        blendWith<BlendSamplesMask<Pixels, TileAlphaRule::KEYED>>(state, operand);
+        return true;
+    case TileAlphaRule::OWN:
+        blendWith<BlendSamplesMask<Pixels, TileAlphaRule::OWN>>(state, operand);
+        return true;
+    case TileAlphaRule::OWN_CONSTANT:
+        blendWith<BlendSamplesMask<Pixels, TileAlphaRule::OWN_CONSTANT>>(state, operand);
+        return true;
+    case TileAlphaRule::OWN_KEYED:
+        blendWith<BlendSamplesMask<Pixels, TileAlphaRule::OWN_KEYED>>(state, operand);
+        return true;
+    }
+    return true;
+}
+
+// The two members: 1-bit screens with transparent zeros, and every other
+// case (solid, opaque 1-bit screens, tiles of samples).
+template <class Pixels>
+bool blendMask(PaintState& state, const ImageOperand& operand) {
+    if (state.screenMember == SCREEN_SOLID) {
+        return blendSolid<Pixels>(state, operand);
+    }
+    if (!maskTileUsable(state)) {
+        return false; // the plain member paints nothing either
+    }
+    switch (state.screenMember) {
+    case SCREEN_BITS_TRANSPARENT:
+        return blendBits<Pixels, false>(state, operand);
+    case SCREEN_BITS_OPAQUE:
+        return blendBits<Pixels, true>(state, operand);
+    default:
+        return blendSamples<Pixels>(state, operand);
+    }
+}
+
+} // namespace
+
+bool blendMaskGrey(PaintState& state, const ImageOperand& operand) {
+    return blendMask<GreyPixels>(state, operand);
+}
+
+bool blendMaskColour(PaintState& state, const ImageOperand& operand) {
+    return blendMask<ColourPixels>(state, operand);
+}
+
+} // namespace kryn
