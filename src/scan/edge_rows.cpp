@@ -15,8 +15,14 @@ void rowsOfRange(int64_t yTop, int64_t yBottom, int32_t quarterTurns, int64_t* f
 
 ColumnStepper stepperAt(const Edge& edge, int64_t row, int32_t quarterTurns) {
     ColumnStepper s;
-    const int64_t dy = static_cast<int64_t>(edge.yBottom) - edge.yTop;
-    const int64_t dx = static_cast<int64_t>(edge.xBottom) - edge.xTop;
+    int64_t dy = static_cast<int64_t>(edge.yBottom) - edge.yTop;
+    int64_t dx = static_cast<int64_t>(edge.xBottom) - edge.xTop;
+    if (dy == 0) {
+        // A flat edge (the side of an empty rectangular region) stands for
+        // the column of its top point, as a vertical edge would.
+        dy = 1;
+        dx = 0;
+    }
     s.divisor = 16 * dy;
     const Int128 n = mul128(edge.xTop, dy) + mul128(dx, 16 * row - edge.yTop);
     const Int128 q = floorDiv128(n, s.divisor);
