@@ -3,6 +3,8 @@
 // live in the page's PathPool.
 #pragma once
 
+#include "engine/result_codes.h"
+
 #include <cstdint>
 
 namespace kryn {
@@ -91,5 +93,31 @@ struct Path {
 
 // End point of a segment that starts at `start`, in device pixels.
 void segmentEnd(const PathSegment& s, const float start[2], float out[2]);
+
+// Hands segment s to a walker: walker.lineTo(x, y) for both line forms,
+// walker.curve(c) (controls and end) for both Bezier forms, whole pixels
+// widened, and walker.powerCurve(pc) for the power form.
+template <class Walker>
+ResultCode walkSegment(const PathSegment& s, Walker& walker) {
+    switch (s.type) {
+    case SEG_LINE:
+        return walker.lineTo(s.line[0], s.line[1]);
+    case SEG_LINE_INT:
+        return walker.lineTo(s.lineInt[0], s.lineInt[1]);
+    case SEG_CURVE:
+        return walker.curve(s.curve);
+    case SEG_CURVE_INT: {
+        float c[6];
+        for (int i = 0; i < 6; ++i) {
+            c[i] = static_cast<float>(s.curveInt[i]);
+        }
+        return walker.curve(c);
+    }
+    case SEG_POLY_CURVE:
+        return walker.powerCurve(s.poly);
+    default:
+        return KRYN_OK;
+    }
+}
 
 } // namespace kryn

@@ -39,6 +39,17 @@ int64_t firstCovered(int64_t sixteenths, bool strict) {
 
 } // namespace
 
+DeviceQuad userRectQuad(const Transform& t, int32_t x, int32_t y, int32_t width, int32_t height) {
+    const double xs[4] = {double(x), double(x) + width, double(x) + width, double(x)};
+    const double ys[4] = {double(y), double(y), double(y) + height, double(y) + height};
+    DeviceQuad q;
+    for (int i = 0; i < 4; ++i) {
+        q.x[i] = double(t.a) * xs[i] + double(t.c) * ys[i] + double(t.tx);
+        q.y[i] = double(t.b) * xs[i] + double(t.d) * ys[i] + double(t.ty);
+    }
+    return q;
+}
+
 bool quadIsFinite(const DeviceQuad& quad) {
     for (int i = 0; i < 4; ++i) {
         if (!std::isfinite(quad.x[i]) || !std::isfinite(quad.y[i])) {

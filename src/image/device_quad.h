@@ -4,6 +4,7 @@
 #pragma once
 
 #include "engine/result_codes.h"
+#include "geometry/transform.h"
 #include "scan/clip_region.h"
 #include "scan/scan_state.h"
 #include "scan/span_recorder.h"
@@ -23,6 +24,11 @@ struct DeviceQuad {
 struct DeviceBox {
     double minX = 0, minY = 0, maxX = 0, maxY = 0;
 };
+
+// The user rectangle x..x + width, y..y + height through the transformation,
+// corner 0 at (x, y) and the corners in order around it (a negative width
+// or height mirrors it).
+DeviceQuad userRectQuad(const Transform& t, int32_t x, int32_t y, int32_t width, int32_t height);
 
 // Every corner is a finite point.
 bool quadIsFinite(const DeviceQuad& quad);

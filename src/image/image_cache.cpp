@@ -181,15 +181,7 @@ ResultCode putImageCache(Engine* e, int32_t x, int32_t y, uint16_t slot) {
     const DevicePixel at = devicePosition(quad, page->pageQuarterTurns);
     mask.deviceX = at.x;
     mask.deviceY = at.y;
-    setupMaskPaint(*gs, *page);
-    if (clip.isRect != 0) {
-        return recordMaskInsideRect(mask, clip, page->pageQuarterTurns, quadBox(quad));
-    }
-    BandPieceRecorder pieces;
-    SpanRecorder recorder;
-    installMaskRecorders(&mask, &pieces, &recorder);
-    const ResultCode r = fillDeviceQuad(&page->scan, quad, clip, &recorder);
-    return r == KRYN_ERR_INVALID ? KRYN_ERR_NO_MEMORY : r;
+    return paintMaskQuad(*gs, mask, quad);
 }
 
 ResultCode clearImageCache(Engine* e, uint16_t slot) {

@@ -65,8 +65,7 @@ int64_t lastCovered(int64_t end, bool strict) {
     return strict ? end >> 4 : ((end + 15) >> 4) - 1;
 }
 
-} // namespace
-
+// The page's paint for mask records.
 void setupMaskPaint(const GraphicsState& gs, PageRecord& page) {
     setupPaint(gs, page.paint);
     page.paint.imageColour = gs.colour;
@@ -74,6 +73,8 @@ void setupMaskPaint(const GraphicsState& gs, PageRecord& page) {
     setEffectiveRop(ROP_SOURCE, page.paint, true);
 }
 
+// The mask's pixels in columns x0..x1 of rows y0..y1 (inside the page
+// raster), band by band.
 ResultCode recordMaskRect(const MaskPlacement& mask, int32_t x0, int32_t x1, int32_t y0,
                           int32_t y1) {
     return forEachBandPiece(
@@ -89,6 +90,8 @@ ResultCode recordMaskRect(const MaskPlacement& mask, int32_t x0, int32_t x1, int
         });
 }
 
+// The pixels of the device box that the rectangular clip admits by the
+// page's pixel rule.
 ResultCode recordMaskInsideRect(const MaskPlacement& mask, const ClipRegion& clip,
                                 int32_t quarterTurns, const DeviceBox& box) {
     // The box in sixteenths as the fill would cut it, then cut to the clip
@@ -113,6 +116,8 @@ ResultCode recordMaskInsideRect(const MaskPlacement& mask, const ClipRegion& cli
                           static_cast<int32_t>(y0), static_cast<int32_t>(y1));
 }
 
+// The recorders through which a fill records the mask; *mask must outlive
+// the fill.
 void installMaskRecorders(const MaskPlacement* mask, BandPieceRecorder* pieces,
                           SpanRecorder* recorder) {
     pieces->page = mask->page;
@@ -121,6 +126,33 @@ void installMaskRecorders(const MaskPlacement* mask, BandPieceRecorder* pieces,
     pieces->piece = recordPieceOf;
     pieces->ctx = const_cast<MaskPlacement*>(mask);
     installBandPieceRecorders(pieces, recorder);
+}
+
+// The quad is a rectangle with sides along the device axes: its fill
+// inside a rectangular clip is its box cut by the clip.
+bool isUpright(const DeviceQuad& q) {
+    return (q.x[0] == q.x[3] && q.x[1] == q.x[2] && q.y[0] == q.y[1] && q.y[2] == q.y[3]) ||
+           (q.x[0] == q.x[1] && q.x[2] == q.x[3] && q.y[0] == q.y[3] && q.y[1] == q.y[2]);
+}
+
+} // namespace
+
+ResultCode paintMaskQuad(const GraphicsState& gs, const MaskPlacement& mask,
+                         const DeviceQuad& quad) {
+    PageRecord& page = *mask.page;
+    setupMaskPaint(gs, page);
+    const ClipRegion& clip = gs.clip.current;
+    ResultCode r = KRYN_OK;
+    if (clip.isRect != 0 && isUpright(quad)) {
+        r = recordMaskInsideRect(mask, clip, page.pageQuarterTurns, quadBox(quad));
+    } else {
+        BandPieceRecorder pieces;
+        SpanRecorder recorder;
+        installMaskRecorders(&mask, &pieces, &recorder);
+        r = fillDeviceQuad(&page.scan, quad, clip, &recorder);
+    }
+    // A list that can count no more serialised bytes is as full as memory.
+    return r == KRYN_ERR_INVALID ? KRYN_ERR_NO_MEMORY : r;
 }
 
 } // namespace kryn

@@ -28,27 +28,16 @@ struct MaskPlacement {
     int64_t deviceY = 0;
 };
 
-// The page's paint for mask records: the state's paint (colours, screen),
-// its paint colours as the image colours, and the source copy 0xCC as the
-// bands' logical function. The state itself is not changed.
-void setupMaskPaint(const GraphicsState& gs, PageRecord& page);
-
-// Records the mask's pixels in columns x0..x1 of rows y0..y1 (inside the
-// page raster), band by band. KRYN_ERR_NO_MEMORY stops it; what earlier
-// bands received stays.
-ResultCode recordMaskRect(const MaskPlacement& mask, int32_t x0, int32_t x1, int32_t y0,
-                          int32_t y1);
-
-// The rectangular-clip path: records the pixels of the device box (the
-// mask's own rectangle, corners in pixels) that the rectangular clip admits
-// by the page's pixel rule, straight into the recorder: the same pixels a
-// fill of the box would give, without its edges.
-ResultCode recordMaskInsideRect(const MaskPlacement& mask, const ClipRegion& clip,
-                                int32_t quarterTurns, const DeviceBox& box);
-
-// Fills *pieces and *recorder so that a fill records the mask through
-// recordMaskRect; *mask must outlive the fill.
-void installMaskRecorders(const MaskPlacement* mask, BandPieceRecorder* pieces,
-                          SpanRecorder* recorder);
+// Records the mask placed at `quad` (its device rectangle) within the
+// state's clip, under the page's paint for mask records: the state's paint
+// (colours, screen), its paint colours as the image colours, and the source
+// copy 0xCC as the bands' logical function; the state itself is not
+// changed. Inside a rectangular clip an upright quad's pixels go straight
+// to the band pieces (the same pixels a fill of its box would give, without
+// its edges); any other quad or clip is filled through the mask recorders.
+// KRYN_ERR_NO_MEMORY stops it (also for a band list that can count no more
+// bytes); what earlier bands received stays.
+ResultCode paintMaskQuad(const GraphicsState& gs, const MaskPlacement& mask,
+                         const DeviceQuad& quad);
 
 } // namespace kryn

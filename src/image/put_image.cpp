@@ -62,17 +62,6 @@ bool allWhite(const SampleImage& s, uint32_t format) {
     return true;
 }
 
-DeviceQuad userRectQuad(const Transform& t, int32_t x, int32_t y, int32_t width, int32_t height) {
-    const double xs[4] = {double(x), double(x) + width, double(x) + width, double(x)};
-    const double ys[4] = {double(y), double(y), double(y) + height, double(y) + height};
-    DeviceQuad q;
-    for (int i = 0; i < 4; ++i) {
-        q.x[i] = double(t.a) * xs[i] + double(t.c) * ys[i] + double(t.tx);
-        q.y[i] = double(t.b) * xs[i] + double(t.d) * ys[i] + double(t.ty);
-    }
-    return q;
-}
-
 // Fills the quad with the page's own recorders under the state's paint and
 // raster operation `code`, which does not read the source: a white image,
 // or an image under a raster operation that ignores it.

@@ -22,19 +22,6 @@ bool acceptable(const ImageDesc& d) {
            d.rowStride >= 1 && d.rowStride >= packedRowBytes(d.width, 1);
 }
 
-// The user rectangle x..x + width, y..y + height on the device, corners in
-// order around it from sample (0, 0).
-DeviceQuad maskQuad(const Transform& t, int32_t x, int32_t y, int32_t width, int32_t height) {
-    const double xs[4] = {double(x), double(x) + width, double(x) + width, double(x)};
-    const double ys[4] = {double(y), double(y), double(y) + height, double(y) + height};
-    DeviceQuad q;
-    for (int i = 0; i < 4; ++i) {
-        q.x[i] = double(t.a) * xs[i] + double(t.c) * ys[i] + double(t.tx);
-        q.y[i] = double(t.b) * xs[i] + double(t.d) * ys[i] + double(t.ty);
-    }
-    return q;
-}
-
 // The mask in device orientation, in a buffer the page will own: the
 // caller's own buffer when it was handed over and needs no change, else a
 // packed copy (turned, mirrored or resampled as the orientation says).
@@ -71,13 +58,6 @@ ResultCode deviceBitmap(const ImageDesc& d, SampleBuffer& owned, const BitmapOri
     return failed(r) ? KRYN_ERR_NO_MEMORY : KRYN_OK;
 }
 
-// The quad is a rectangle with sides along the device axes: its fill
-// inside a rectangular clip is its box cut by the clip.
-bool isUpright(const DeviceQuad& q) {
-    return (q.x[0] == q.x[3] && q.x[1] == q.x[2] && q.y[0] == q.y[1] && q.y[2] == q.y[3]) ||
-           (q.x[0] == q.x[1] && q.x[2] == q.x[3] && q.y[0] == q.y[3] && q.y[1] == q.y[2]);
-}
-
 } // namespace
 
 ResultCode putImageMask(Engine* e, const ImageDesc* mask, int32_t x, int32_t y,
@@ -91,7 +71,7 @@ ResultCode putImageMask(Engine* e, const ImageDesc* mask, int32_t x, int32_t y,
     // page's records or released on every return.
     SampleBuffer owned(ownership == OWNERSHIP_PASSES ? mask->samples : nullptr);
     const Transform& t = gs->transform;
-    const DeviceQuad quad = maskQuad(t, x, y, mask->width, mask->height);
+    const DeviceQuad quad = userRectQuad(t, x, y, mask->width, mask->height);
     if (quadMissesClip(quad, gs->clip.current) || page->pageQuarterTurns == -1) {
         return KRYN_OK;
     }
@@ -129,18 +109,8 @@ ResultCode putImageMask(Engine* e, const ImageDesc* mask, int32_t x, int32_t y,
     placement.stride = static_cast<int32_t>(bits.stride);
     placement.deviceX = at.x;
     placement.deviceY = at.y;
-    setupMaskPaint(*gs, *page);
-    const ClipRegion& clip = gs->clip.current;
-    if (clip.isRect != 0 && isUpright(quad)) {
-        r = recordMaskInsideRect(placement, clip, page->pageQuarterTurns, quadBox(quad));
-    } else {
-        BandPieceRecorder pieces;
-        SpanRecorder recorder;
-        installMaskRecorders(&placement, &pieces, &recorder);
-        r = fillDeviceQuad(&page->scan, quad, clip, &recorder);
-    }
-    // KRYN_ERR_INVALID would tell the caller the buffer is still theirs.
-    return r == KRYN_ERR_INVALID ? KRYN_ERR_NO_MEMORY : r;
+    // Never KRYN_ERR_INVALID, which would tell the caller the buffer is still theirs.
+    return paintMaskQuad(*gs, placement, quad);
 }
 
 } // namespace kryn

@@ -31,6 +31,20 @@ inline constexpr BlendWeights blendWeights(uint32_t a) {
     return {a * 257, (ALPHA_OPAQUE - a) * 257};
 }
 
+// The weights of the alpha last asked for, taken again only when the alpha
+// changes from one pixel to the next.
+struct WeightsCache {
+    BlendWeights of(uint32_t a) {
+        if (a != alpha) {
+            weights = blendWeights(a);
+            alpha = a;
+        }
+        return weights;
+    }
+    uint32_t alpha = ALPHA_OPAQUE + 1; // none yet
+    BlendWeights weights{};
+};
+
 // The largest sum is 255 * 65535 + 32768 = 16744193, whose top bits are
 // 255: the clamp never bites, but it is the rule.
 inline constexpr uint32_t blendWeighted(BlendWeights w, uint32_t s, uint32_t d) {

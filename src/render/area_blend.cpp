@@ -3,6 +3,7 @@
 #include "render/area_walk.h"
 #include "render/blend_sources.h"
 #include "render/raster_pixels.h"
+#include "render/tile_sample_blend.h"
 #include "render/tile_view.h"
 
 #include <cstring>
@@ -66,22 +67,6 @@ struct BlendSolidPaint {
     uint32_t tag;
 };
 
-// Visits the pixels of a column with their tile row, which advances with
-// the band row and wraps at the tile's height.
-template <class Pixel, class Visit>
-void walkTileColumn(const PaintState& state, const TileView& tile, int32_t x, int32_t top,
-                    int32_t bottom, Visit visit) {
-    const int32_t step = state.strideBytes / static_cast<int32_t>(sizeof(Pixel));
-    Pixel* at = reinterpret_cast<Pixel*>(state.raster + int64_t{top} * state.strideBytes) + x;
-    int32_t tileRow = tile.rowIndex(top);
-    for (int32_t y = top; y <= bottom; ++y, at += step) {
-        visit(*at, tileRow);
-        if (++tileRow == tile.height) {
-            tileRow = 0;
-        }
-    }
-}
-
 // What the screened blends share: rectangles and list spans are rows.
 template <class Self>
 struct RowsPaint {
@@ -130,9 +115,10 @@ struct BlendBitsPaint : RowsPaint<BlendBitsPaint<Pixels, OPAQUE>> {
         const int32_t c = tile.column(x);
         const int32_t byteIndex = c >> 3;
         const uint32_t mask = 0x80u >> (c & 7);
-        walkTileColumn<Pixel>(state, tile, x, top, bottom, [&](Pixel& d, int32_t r) {
-            paint(d, (tile.base[int64_t{r} * tile.rowBytes + byteIndex] & mask) != 0);
-        });
+        walkTileColumn<Pixel>(state, tile, x, top, bottom,
+                              [&](Pixel& d, int32_t, const uint8_t* tileRow) {
+                                  paint(d, (tileRow[byteIndex] & mask) != 0);
+                              });
     }
 
     TileView tile;
@@ -143,69 +129,22 @@ struct BlendBitsPaint : RowsPaint<BlendBitsPaint<Pixels, OPAQUE>> {
     uint32_t tag;
 };
 
-// A tile of samples: each pixel at the alpha its rule gives. The weights
-// are taken again only when the alpha changes from one pixel to the next.
+// A tile of samples: each pixel at the alpha its rule gives.
 template <class Pixels, TileAlphaRule RULE>
 struct BlendTilePaint : RowsPaint<BlendTilePaint<Pixels, RULE>> {
     using Pixel = typename Pixels::Pixel;
 
     explicit BlendTilePaint(const PaintState& state)
-        : tile(state), alphas(state.tileAlpha), constant(state.blendSelect),
-          keyAlpha(state.blendSelectA), grey(state.bitsPerPixel == 8), tag(state.tagGraphicsWord) {
-        for (int i = 0; i < 3; ++i) {
-            ranges[i] = state.blendRangesA[i];
-        }
-    }
-
-    static Pixel sample(const uint8_t* tileRow, int32_t column) {
-        Pixel p;
-        std::memcpy(&p, tileRow + int64_t{column} * int64_t{sizeof(Pixel)}, sizeof(Pixel));
-        return p;
-    }
-
-    // The alpha of tile pixel p whose own alpha (alpha tiles) is `own`.
-    uint32_t alphaOf(Pixel p, uint32_t own) const {
-        switch (RULE) {
-        case TileAlphaRule::CONSTANT:
-            return constant;
-        case TileAlphaRule::KEYED:
-            return insideKey(ranges, Pixels::channels(p), grey) ? keyAlpha : ALPHA_OPAQUE;
-        case TileAlphaRule::OWN:
-            return own;
-        case TileAlphaRule::OWN_CONSTANT:
-            return mulAlpha(own, constant);
-        default: // OWN_KEYED
-            return insideKey(ranges, Pixels::channels(p), grey) ? mulAlpha(own, keyAlpha) : own;
-        }
-    }
-
-    void paint(Pixel& d, Pixel p, uint32_t own) {
-        const uint32_t a = alphaOf(p, own);
-        if (a == 0) {
-            return;
-        }
-        if (a != weightsAlpha) {
-            weights = blendWeights(a);
-            weightsAlpha = a;
-        }
-        d = Pixels::blendSample(d, p, weights, tag);
-    }
-
-    const uint8_t* alphaRow(int32_t tileRow) const {
-        return alphas == nullptr ? nullptr : alphas + int64_t{tileRow} * tile.width;
-    }
-    static uint32_t ownAt(const uint8_t* row, int32_t c) {
-        return row == nullptr ? ALPHA_OPAQUE : row[c];
-    }
+        : tile(state), blend(state, state.tagGraphicsWord) {}
 
     void span(const PaintState& state, int32_t y, int32_t left, int32_t right) {
         Pixel* at = Pixels::row(state, y) + left;
         const int32_t r = tile.rowIndex(y);
         const uint8_t* tileRow = tile.base + int64_t{r} * tile.rowBytes;
-        const uint8_t* own = alphaRow(r);
+        const uint8_t* own = blend.alphaRow(r, tile.width);
         int32_t c = tile.column(left);
         for (int32_t i = 0, n = right - left + 1; i < n; ++i) {
-            paint(at[i], sample(tileRow, c), ownAt(own, c));
+            blend.paint(at[i], tileSample<Pixel>(tileRow, c), blend.ownAt(own, c));
             if (++c == tile.width) {
                 c = 0;
             }
@@ -214,82 +153,41 @@ struct BlendTilePaint : RowsPaint<BlendTilePaint<Pixels, RULE>> {
 
     void column(const PaintState& state, int32_t x, int32_t top, int32_t bottom) {
         const int32_t c = tile.column(x);
-        walkTileColumn<Pixel>(state, tile, x, top, bottom, [&](Pixel& d, int32_t r) {
-            paint(d, sample(tile.base + int64_t{r} * tile.rowBytes, c), ownAt(alphaRow(r), c));
-        });
+        walkTileColumn<Pixel>(state, tile, x, top, bottom,
+                              [&](Pixel& d, int32_t r, const uint8_t* tileRow) {
+                                  blend.paint(d, tileSample<Pixel>(tileRow, c),
+                                              blend.ownAt(blend.alphaRow(r, tile.width), c));
+                              });
     }
 
     TileView tile;
-    const uint8_t* alphas;
-    uint32_t constant;
-    uint32_t keyAlpha;
-    uint16_t ranges[3];
-    bool grey;
-    uint32_t tag;
-    uint32_t weightsAlpha = ALPHA_OPAQUE + 1; // none yet
-    BlendWeights weights{};
+    TileSampleBlend<Pixels, RULE> blend;
 };
-
-template <class Pixels, TileAlphaRule RULE, AreaGeometry G>
-void paintTile(PaintState& state, const AreaOperand& operand) {
-    BlendTilePaint<Pixels, RULE> paint(state);
-    walkArea<G>(state, operand, paint);
-}
-
-bool tileUsable(const PaintState& state) {
-    return state.tileBase != nullptr && state.tileWidth > 0 && state.tileHeight > 0;
-}
 
 template <class Pixels, AreaGeometry G>
 bool blendSolid(PaintState& state, const AreaOperand& operand) {
     const SolidBlend plan = solidBlend(state, SLOT_PAINT);
-    if (plan.action == BlendAction::PLAIN) {
-        return false;
-    }
-    if (plan.action == BlendAction::BLEND) {
+    return withBlendPlan(plan, [&] {
         BlendSolidPaint<Pixels> paint(state, plan.alpha, slotColour(state, SLOT_PAINT));
         walkArea<G>(state, operand, paint);
-    }
-    return true;
+    });
 }
 
 template <class Pixels, bool OPAQUE, AreaGeometry G>
 bool blendBits(PaintState& state, const AreaOperand& operand) {
     const BitsBlend plan = bitsBlend(state, OPAQUE);
-    if (plan.action == BlendAction::PLAIN) {
-        return false;
-    }
-    if (plan.action == BlendAction::BLEND) {
+    return withBlendPlan(plan, [&] {
         BlendBitsPaint<Pixels, OPAQUE> paint(state, plan);
         walkArea<G>(state, operand, paint);
-    }
-    return true;
+    });
 }
 
 template <class Pixels, AreaGeometry G>
 bool blendSamples(PaintState& state, const AreaOperand& operand) {
-    switch (tileAlphaRule(state)) {
-    case TileAlphaRule::PLAIN:
-        return false;
-    case TileAlphaRule::NOTHING:
-        return true;
-    case TileAlphaRule::CONSTANT:
-        paintTile<Pixels, TileAlphaRule::CONSTANT, G>(state, operand);
-        return true;
-    case TileAlphaRule::KEYED:
-        paintTile<Pixels, TileAlphaRule::KEYED, G>(state, operand);
-        return true;
-    case TileAlphaRule::OWN:
-        paintTile<Pixels, TileAlphaRule::OWN, G>(state, operand);
-        return true;
-    case TileAlphaRule::OWN_CONSTANT:
-        paintTile<Pixels, TileAlphaRule::OWN_CONSTANT, G>(state, operand);
-        return true;
-    case TileAlphaRule::OWN_KEYED:
-        paintTile<Pixels, TileAlphaRule::OWN_KEYED, G>(state, operand);
-        return true;
-    }
-    return true;
+    return withTileAlphaRule(state, [&]<TileAlphaRule RULE>() {
+        BlendTilePaint<Pixels, RULE> paint(state);
+        walkArea<G>(state, operand, paint);
+    });
 }
 
 } // namespace

@@ -95,25 +95,6 @@ struct ScreenedPaint {
         static_cast<Self&>(*this).span(state, y, left, right);
     }
 
-    // Walks a column: visit(at, tile row pointer) per pixel, the tile row
-    // advancing with the band row and wrapping at the tile's height.
-    template <class Visit>
-    void walkColumn(const PaintState& state, int32_t x, int32_t top, int32_t bottom, Visit visit) {
-        const int32_t step = state.strideBytes / static_cast<int32_t>(sizeof(Pixel));
-        Pixel* at = Pixels::row(state, top) + x;
-        int32_t tileRow = tile.rowIndex(top);
-        const uint8_t* rowAt = tile.base + int64_t{tileRow} * tile.rowBytes;
-        for (int32_t y = top; y <= bottom; ++y, at += step) {
-            visit(at, rowAt);
-            if (++tileRow == tile.height) {
-                tileRow = 0;
-                rowAt = tile.base;
-            } else {
-                rowAt += tile.rowBytes;
-            }
-        }
-    }
-
     static constexpr int32_t PATTERN_ROWS = 32;
     static constexpr size_t PATTERN_PIXELS = 2048 / sizeof(Pixel);
 
@@ -276,9 +257,10 @@ struct BitsPaint : ScreenedPaint<Pixels, BitsPaint<Pixels, OPAQUE>> {
         const uint32_t mask = 0x80u >> (c & 7);
         // paint(at, bit) for every pixel of the column, under its tile bit.
         const auto walk = [&](auto paint) {
-            this->walkColumn(state, x, top, bottom, [&](Pixel* at, const uint8_t* tileRow) {
-                paint(at, (tileRow[byteIndex] & mask) != 0);
-            });
+            walkTileColumn<Pixel>(state, tile, x, top, bottom,
+                                  [&](Pixel& at, int32_t, const uint8_t* tileRow) {
+                                      paint(&at, (tileRow[byteIndex] & mask) != 0);
+                                  });
         };
         switch (mode) {
         case ROP_MODE_COPY:
@@ -350,9 +332,7 @@ struct SamplesPaint : ScreenedPaint<Pixels, SamplesPaint<Pixels>> {
     bool rowsRepeat() const { return mode == ROP_MODE_COPY || mode == ROP_MODE_WHITE; }
 
     static Pixel sample(const uint8_t* tileRow, int32_t column) {
-        Pixel p;
-        std::memcpy(&p, tileRow + int64_t{column} * int64_t{sizeof(Pixel)}, sizeof(Pixel));
-        return p;
+        return tileSample<Pixel>(tileRow, column);
     }
 
     // op(pixel, tile value) for n pixels of a row from tile column c on.
@@ -399,9 +379,9 @@ struct SamplesPaint : ScreenedPaint<Pixels, SamplesPaint<Pixels>> {
     void column(const PaintState& state, int32_t x, int32_t top, int32_t bottom) {
         const int32_t c = tile.column(x);
         const auto walk = [&](auto op) {
-            this->walkColumn(state, x, top, bottom, [&](Pixel* at, const uint8_t* tileRow) {
-                op(*at, sample(tileRow, c));
-            });
+            walkTileColumn<Pixel>(
+                state, tile, x, top, bottom,
+                [&](Pixel& at, int32_t, const uint8_t* tileRow) { op(at, sample(tileRow, c)); });
         };
         switch (mode) {
         case ROP_MODE_COPY:
@@ -444,7 +424,7 @@ struct MemberPaint<Pixels, SCREEN_SAMPLES> {
 
 template <class Pixels, ScreenMember M, AreaGeometry G>
 void paintScreened(PaintState& state, const AreaOperand& operand) {
-    if (state.tileBase == nullptr || state.tileWidth <= 0 || state.tileHeight <= 0) {
+    if (!tileUsable(state)) {
         return;
     }
     paintAreaWith<typename MemberPaint<Pixels, M>::Type, G>(state, operand);

@@ -88,19 +88,67 @@ enum class TileAlphaRule : uint8_t {
 };
 TileAlphaRule tileAlphaRule(const PaintState& state);
 
+// Runs paint.template operator()<RULE>() for the state's tile rule: false
+// (nothing run) when no alpha source is in play, true otherwise (nothing
+// run under an alpha of 0).
+template <class Paint>
+bool withTileAlphaRule(const PaintState& state, Paint&& paint) {
+    switch (tileAlphaRule(state)) {
+    case TileAlphaRule::PLAIN:
+        return false;
+    case TileAlphaRule::NOTHING:
+        return true;
+    case TileAlphaRule::CONSTANT:
+        paint.template operator()<TileAlphaRule::CONSTANT>();
+        return true;
+    case TileAlphaRule::KEYED:
+        paint.template operator()<TileAlphaRule::KEYED>();
+        return true;
+    case TileAlphaRule::OWN:
+        paint.template operator()<TileAlphaRule::OWN>();
+        return true;
+    case TileAlphaRule::OWN_CONSTANT:
+        paint.template operator()<TileAlphaRule::OWN_CONSTANT>();
+        return true;
+    case TileAlphaRule::OWN_KEYED:
+        paint.template operator()<TileAlphaRule::OWN_KEYED>();
+        return true;
+    }
+    return true;
+}
+
+// The solid and 1-bit dispatch: false (nothing run) when the plan has no
+// alpha source, true otherwise, having run paint() unless an alpha of 0 is
+// in play.
+template <class Plan, class Paint>
+bool withBlendPlan(const Plan& plan, Paint&& paint) {
+    if (plan.action == BlendAction::PLAIN) {
+        return false;
+    }
+    if (plan.action == BlendAction::BLEND) {
+        paint();
+    }
+    return true;
+}
+
 // Image members: the alpha of one image sample (channels `colour`, own
 // alpha `own`, 255 for samples without alpha) under key 1 and the constant
-// alpha. 255 paints the sample opaque; the image's blend member blends
-// with blendChannel, and an image whose samples all answer 255 without any
-// setting in play is the plain member's (the dispatch is the same as for
-// areas).
-inline uint32_t imageSampleAlpha(const PaintState& state, uint32_t colour, uint32_t own) {
+// alpha, or NO_ALPHA_SOURCE for a sample of a format without alpha
+// (OwnAlpha false) that no setting reaches and whose own alpha is 255: the
+// blend member paints such a sample through the raster operation, as the
+// plain member does. Formats with alpha in their samples always blend.
+inline constexpr uint32_t NO_ALPHA_SOURCE = 0x100;
+
+template <bool OwnAlpha>
+uint32_t imageSampleAlpha(const PaintState& state, uint32_t colour, uint32_t own) {
     if (keyOneOn(state)) {
-        return insideKey(state.blendRangesB, colour, state.bitsPerPixel == 8)
-                   ? mulAlpha(own, state.blendSelectB)
-                   : own;
+        if (insideKey(state.blendRangesB, colour, state.bitsPerPixel == 8)) {
+            return mulAlpha(own, state.blendSelectB);
+        }
+    } else if (constantAlphaOn(state)) {
+        return mulAlpha(own, state.blendSelect);
     }
-    return constantAlphaOn(state) ? mulAlpha(own, state.blendSelect) : own;
+    return OwnAlpha || own < ALPHA_OPAQUE ? own : NO_ALPHA_SOURCE;
 }
 
 } // namespace kryn

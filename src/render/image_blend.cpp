@@ -25,22 +25,6 @@ namespace kryn {
 
 namespace {
 
-constexpr uint32_t NO_SOURCE = 0x100;
-
-// The alpha of a sample of colour `colour` with own alpha `own`, or
-// NO_SOURCE. Formats with alpha in their samples always blend.
-template <bool OwnAlpha>
-uint32_t sampleAlpha(const PaintState& s, uint32_t colour, uint32_t own) {
-    if (keyOneOn(s)) {
-        if (insideKey(s.blendRangesB, colour, s.bitsPerPixel == 8)) {
-            return mulAlpha(own, s.blendSelectB);
-        }
-    } else if (constantAlphaOn(s)) {
-        return mulAlpha(own, s.blendSelect);
-    }
-    return OwnAlpha || own < ALPHA_OPAQUE ? own : NO_SOURCE;
-}
-
 // The raster format's blend of an image sample, with the image tag.
 template <class Pixels>
 struct BlendPixels;
@@ -60,17 +44,17 @@ void blendRow(const PaintState& s, const ImageOperand& op, const Samples& sample
     ColumnWalk<Scaled> columns(s, op);
     ImagePattern<Pixels, SM> pattern(s, area.left, y);
     typename Pixels::Pixel* d = Pixels::row(s, y) + area.left;
-    // Each pixel's sample in the low 32 bits, its alpha (or NO_SOURCE) above.
+    // Each pixel's sample in the low 32 bits, its alpha (or NO_ALPHA_SOURCE) above.
     uint64_t values[CHUNK];
     const auto sample = [&](uint32_t c) {
         const uint32_t v = samples(sourceRow, c);
-        const uint32_t a = v == SKIP_SAMPLE
-                               ? 0u
-                               : sampleAlpha<Samples::OWN_ALPHA>(s, v, samples.alpha(sourceRow, c));
+        const uint32_t a =
+            v == SKIP_SAMPLE
+                ? 0u
+                : imageSampleAlpha<Samples::OWN_ALPHA>(s, v, samples.alpha(sourceRow, c));
         return uint64_t{a} << 32 | v;
     };
-    uint32_t weighted = NO_SOURCE;
-    BlendWeights weights{};
+    WeightsCache weights;
     for (int32_t done = 0; done < area.width;) {
         const int32_t n = std::min(CHUNK, area.width - done);
         columns.fill(sample, values, n);
@@ -78,7 +62,7 @@ void blendRow(const PaintState& s, const ImageOperand& op, const Samples& sample
             const auto v = static_cast<uint32_t>(values[k]);
             const auto a = static_cast<uint32_t>(values[k] >> 32);
             auto& pixel = d[done + k];
-            if (a == NO_SOURCE) {
+            if (a == NO_ALPHA_SOURCE) {
                 if (!pattern.skip) {
                     pixel = rop == IMAGE_ROP_COPY  ? Pixels::copy(s, v)
                             : rop == IMAGE_ROP_XOR ? Pixels::xorInto(pixel, v)
@@ -89,12 +73,8 @@ void blendRow(const PaintState& s, const ImageOperand& op, const Samples& sample
             if (a == 0) {
                 continue;
             }
-            if (a != weighted) {
-                weights = blendWeights(a);
-                weighted = a;
-            }
-            pixel = Raster::blendSample(pixel, static_cast<typename Pixels::Pixel>(v), weights,
-                                        s.tagImageWord);
+            pixel = Raster::blendSample(pixel, static_cast<typename Pixels::Pixel>(v),
+                                        weights.of(a), s.tagImageWord);
         }
         done += n;
     }
@@ -108,19 +88,11 @@ void blendImageMember(PaintState& s, const ImageOperand& op) {
         return;
     }
     const ImageRop rop = imageRopOf(s);
-    SampleRuns rows = rowRuns(s, op);
-    for (int32_t i = 0; i < area.rows;) {
-        uint32_t r = 0;
-        int64_t length = 0;
-        rows.next(r, length);
-        const int32_t n = static_cast<int32_t>(std::min<int64_t>(length, area.rows - i));
-        const uint8_t* sourceRow = op.data + uint64_t{r} * op.sourceStride;
+    forEachSourceRow(s, op, area, [&](int32_t y, int32_t n, const uint8_t* sourceRow) {
         for (int32_t k = 0; k < n; ++k) {
-            blendRow<Pixels, Samples, SM, Scaled>(s, op, samples, area, area.top + i + k, sourceRow,
-                                                  rop);
+            blendRow<Pixels, Samples, SM, Scaled>(s, op, samples, area, y + k, sourceRow, rop);
         }
-        i += n;
-    }
+    });
 }
 
 // Whether any sample of the record can have an alpha source.

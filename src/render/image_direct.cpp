@@ -19,16 +19,10 @@ template <class Pixels, class Samples>
 void buildRow(const PaintState& s, const ImageOperand& op, const Samples& samples,
               const uint8_t* sourceRow, typename Pixels::Pixel* out, int32_t width, bool copy) {
     SampleRuns columns = columnRuns(s, op);
-    for (int32_t done = 0; done < width;) {
-        uint32_t c = 0;
-        int64_t length = 0;
-        columns.next(c, length);
-        const int32_t n = static_cast<int32_t>(std::min<int64_t>(length, width - done));
+    fillColumnRuns(columns, out, 0, width, [&](uint32_t c) {
         const uint32_t v = samples(sourceRow, c);
-        const auto pixel = copy ? Pixels::copy(s, v) : static_cast<typename Pixels::Pixel>(v);
-        std::fill_n(out + done, n, pixel);
-        done += n;
-    }
+        return copy ? Pixels::copy(s, v) : static_cast<typename Pixels::Pixel>(v);
+    });
 }
 
 template <class Pixels, class Samples>
@@ -42,16 +36,10 @@ void paintDirect(PaintState& s, const ImageOperand& op) {
     const ImageRop rop = imageRopOf(s);
     auto* built = reinterpret_cast<Pixel*>(s.expandBuffer);
     const uint32_t p = Pixels::slot(s, SLOT_PAINT);
-    SampleRuns rows = rowRuns(s, op);
-    for (int32_t i = 0; i < area.rows;) {
-        uint32_t r = 0;
-        int64_t length = 0;
-        rows.next(r, length);
-        const int32_t n = static_cast<int32_t>(std::min<int64_t>(length, area.rows - i));
-        buildRow<Pixels>(s, op, samples, op.data + uint64_t{r} * op.sourceStride, built, area.width,
-                         rop == IMAGE_ROP_COPY);
+    forEachSourceRow(s, op, area, [&](int32_t y, int32_t n, const uint8_t* sourceRow) {
+        buildRow<Pixels>(s, op, samples, sourceRow, built, area.width, rop == IMAGE_ROP_COPY);
         for (int32_t k = 0; k < n; ++k) {
-            Pixel* d = Pixels::row(s, area.top + i + k) + area.left;
+            Pixel* d = Pixels::row(s, y + k) + area.left;
             switch (rop) {
             case IMAGE_ROP_COPY:
                 std::memcpy(d, built, static_cast<size_t>(area.width) * sizeof(Pixel));
@@ -68,8 +56,7 @@ void paintDirect(PaintState& s, const ImageOperand& op) {
                 break;
             }
         }
-        i += n;
-    }
+    });
 }
 
 } // namespace

@@ -74,12 +74,9 @@ void copyRow(const PaintState& s, const ImageOperand& op, const Samples& samples
             }
             columns = SampleRuns(c + 1, 0, op.scaleX, op.sourceColumns);
         }
-        for (; done < area.width;) {
-            columns.next(c, length);
-            const int32_t n = static_cast<int32_t>(std::min<int64_t>(length, area.width - done));
-            std::fill_n(d + done, n, Pixels::copy(s, samples(sourceRow, c)));
-            done += n;
-        }
+        fillColumnRuns(columns, d, done, area.width, [&](uint32_t column) {
+            return Pixels::copy(s, samples(sourceRow, column));
+        });
     } else {
         const uint32_t first = op.scaled != 0 ? op.sourceColumn : 0;
         const uint32_t last = op.sourceColumns - 1;
@@ -131,14 +128,7 @@ void paintImageMember(PaintState& s, const ImageOperand& op) {
     const ImageRop rop = imageRopOf(s);
     const bool rowsRepeat = rop == IMAGE_ROP_COPY && SM == SCREEN_SOLID && !Samples::TRANSPARENT;
     const size_t rowBytes = static_cast<size_t>(area.width) * sizeof(typename Pixels::Pixel);
-    SampleRuns rows = rowRuns(s, op);
-    for (int32_t i = 0; i < area.rows;) {
-        uint32_t r = 0;
-        int64_t length = 0;
-        rows.next(r, length);
-        const int32_t n = static_cast<int32_t>(std::min<int64_t>(length, area.rows - i));
-        const uint8_t* sourceRow = op.data + uint64_t{r} * op.sourceStride;
-        const int32_t y = area.top + i;
+    forEachSourceRow(s, op, area, [&](int32_t y, int32_t n, const uint8_t* sourceRow) {
         paintRow<Pixels, Samples, SM, Scaled>(s, op, samples, area, y, sourceRow, rop);
         for (int32_t k = 1; k < n; ++k) {
             if (rowsRepeat) {
@@ -148,8 +138,7 @@ void paintImageMember(PaintState& s, const ImageOperand& op) {
                 paintRow<Pixels, Samples, SM, Scaled>(s, op, samples, area, y + k, sourceRow, rop);
             }
         }
-        i += n;
-    }
+    });
 }
 
 // A family's dispatcher: members by scale and screen.

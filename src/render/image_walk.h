@@ -100,6 +100,36 @@ inline SampleRuns columnRuns(const PaintState& state, const ImageOperand& op) {
                           : SampleRuns(0, 0, UNIT_SCALE, op.sourceColumns);
 }
 
+// Calls rows(y, n, sourceRow) for each source row the area shows: the
+// first device row y it covers there, how many (n), and its samples.
+template <class Rows>
+void forEachSourceRow(const PaintState& state, const ImageOperand& op, const ImageArea& area,
+                      Rows&& rows) {
+    SampleRuns runs = rowRuns(state, op);
+    for (int32_t i = 0; i < area.rows;) {
+        uint32_t r = 0;
+        int64_t length = 0;
+        runs.next(r, length);
+        const int32_t n = static_cast<int32_t>(std::min<int64_t>(length, area.rows - i));
+        rows(area.top + i, n, op.data + uint64_t{r} * op.sourceStride);
+        i += n;
+    }
+}
+
+// Fills out[done..width) run by run of `columns`, each run with
+// value(sample).
+template <class Pixel, class Value>
+void fillColumnRuns(SampleRuns& columns, Pixel* out, int32_t done, int32_t width, Value&& value) {
+    while (done < width) {
+        uint32_t c = 0;
+        int64_t length = 0;
+        columns.next(c, length);
+        const int32_t n = static_cast<int32_t>(std::min<int64_t>(length, width - done));
+        std::fill_n(out + done, n, value(c));
+        done += n;
+    }
+}
+
 // Both factors 1.0: the members that take one sample a pixel.
 inline bool imageAtDeviceSize(const ImageOperand& op) {
     return op.scaleX == UNIT_SCALE && op.scaleY == UNIT_SCALE;

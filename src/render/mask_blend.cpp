@@ -7,6 +7,7 @@
 #include "render/mask_tiles.h"
 #include "render/mask_walk.h"
 #include "render/raster_pixels.h"
+#include "render/tile_sample_blend.h"
 
 namespace kryn {
 
@@ -55,10 +56,7 @@ struct BlendBitsMask {
         }
     }
     void run(Pixel* at, int32_t x, int32_t n) {
-        for (int32_t i = 0; i < n; i += 8) {
-            const int32_t m = n - i < 8 ? n - i : 8;
-            group(at + i, x + i, 0xFF00u >> m & 0xFFu, m);
-        }
+        runAsGroups(n, [&](int32_t i, uint32_t bits, int32_t m) { group(at + i, x + i, bits, m); });
     }
 
     MaskBitTile tile;
@@ -69,51 +67,19 @@ struct BlendBitsMask {
     uint32_t tag;
 };
 
-// A tile of samples: each tile pixel at the alpha of its rule. The weights
-// are taken again only when the alpha changes.
+// A tile of samples: each tile pixel at the alpha of its rule.
 template <class Pixels, TileAlphaRule RULE>
 struct BlendSamplesMask {
     using Pixel = typename Pixels::Pixel;
     static constexpr bool GROUPS_ONLY = false;
     explicit BlendSamplesMask(const PaintState& state)
-        : tile(state), alphas(state.tileAlpha), constant(state.blendSelect),
-          keyAlpha(state.blendSelectA), grey(state.bitsPerPixel == 8), tag(state.tagBitmapWord) {
-        for (int i = 0; i < 3; ++i) {
-            ranges[i] = state.blendRangesA[i];
-        }
-    }
+        : tile(state), blend(state, state.tagBitmapWord) {}
 
-    uint32_t alphaOf(Pixel p, uint32_t own) const {
-        switch (RULE) {
-        case TileAlphaRule::CONSTANT:
-            return constant;
-        case TileAlphaRule::KEYED:
-            return insideKey(ranges, Pixels::channels(p), grey) ? keyAlpha : ALPHA_OPAQUE;
-        case TileAlphaRule::OWN:
-            return own;
-        case TileAlphaRule::OWN_CONSTANT:
-            return mulAlpha(own, constant);
-        default: // OWN_KEYED
-            return insideKey(ranges, Pixels::channels(p), grey) ? mulAlpha(own, keyAlpha) : own;
-        }
-    }
-    void paint(Pixel& d, int32_t c) {
-        const Pixel p = tile.sample(c);
-        const uint32_t own = alphaRow == nullptr ? ALPHA_OPAQUE : alphaRow[c];
-        const uint32_t a = alphaOf(p, own);
-        if (a == 0) {
-            return;
-        }
-        if (a != weightsAlpha) {
-            weights = blendWeights(a);
-            weightsAlpha = a;
-        }
-        d = Pixels::blendSample(d, p, weights, tag);
-    }
+    void paint(Pixel& d, int32_t c) { blend.paint(d, tile.sample(c), blend.ownAt(alphaRow, c)); }
 
     void beginRow(const PaintState&, int32_t y, int32_t left) {
         tile.beginRow(y, left);
-        alphaRow = alphas == nullptr ? nullptr : alphas + int64_t{tile.rowIndex} * tile.tile.width;
+        alphaRow = blend.alphaRow(tile.rowIndex, tile.tile.width);
     }
     void run(Pixel* at, int32_t x, int32_t n) {
         tile.each(x, n, [&](int32_t i, int32_t c) { paint(at[i], c); });
@@ -123,15 +89,8 @@ struct BlendSamplesMask {
     }
 
     MaskSampleTile<Pixel> tile;
-    const uint8_t* alphas;
+    TileSampleBlend<Pixels, RULE> blend;
     const uint8_t* alphaRow = nullptr;
-    uint32_t constant;
-    uint32_t keyAlpha;
-    uint16_t ranges[3];
-    bool grey;
-    uint32_t tag;
-    uint32_t weightsAlpha = ALPHA_OPAQUE + 1; // none yet
-    BlendWeights weights{};
 };
 
 template <class Paint, class... Args>
@@ -143,51 +102,22 @@ void blendWith(PaintState& state, const ImageOperand& operand, Args&&... args) {
 template <class Pixels>
 bool blendSolid(PaintState& state, const ImageOperand& operand) {
     const SolidBlend plan = solidBlend(state, SLOT_IMAGE);
-    if (plan.action == BlendAction::PLAIN) {
-        return false;
-    }
-    if (plan.action == BlendAction::BLEND) {
-        blendWith<BlendSolidMask<Pixels>>(state, operand, plan.alpha);
-    }
-    return true;
+    return withBlendPlan(plan,
+                         [&] { blendWith<BlendSolidMask<Pixels>>(state, operand, plan.alpha); });
 }
 
 template <class Pixels, bool OPAQUE>
 bool blendBits(PaintState& state, const ImageOperand& operand) {
     const BitsBlend plan = bitsBlend(state, OPAQUE);
-    if (plan.action == BlendAction::PLAIN) {
-        return false;
-    }
-    if (plan.action == BlendAction::BLEND) {
-        blendWith<BlendBitsMask<Pixels, OPAQUE>>(state, operand, plan);
-    }
-    return true;
+    return withBlendPlan(plan,
+                         [&] { blendWith<BlendBitsMask<Pixels, OPAQUE>>(state, operand, plan); });
 }
 
 template <class Pixels>
 bool blendSamples(PaintState& state, const ImageOperand& operand) {
-    switch (tileAlphaRule(state)) {
-    case TileAlphaRule::PLAIN:
-        return false;
-    case TileAlphaRule::NOTHING:
-        return true;
-    case TileAlphaRule::CONSTANT:
-        blendWith<BlendSamplesMask<Pixels, TileAlphaRule::CONSTANT>>(state, operand);
-        return true;
-    case TileAlphaRule::KEYED:
-        blendWith<BlendSamplesMask<Pixels, TileAlphaRule::KEYED>>(state, operand);
-        return true;
-    case TileAlphaRule::OWN:
-        blendWith<BlendSamplesMask<Pixels, TileAlphaRule::OWN>>(state, operand);
-        return true;
-    case TileAlphaRule::OWN_CONSTANT:
-        blendWith<BlendSamplesMask<Pixels, TileAlphaRule::OWN_CONSTANT>>(state, operand);
-        return true;
-    case TileAlphaRule::OWN_KEYED:
-        blendWith<BlendSamplesMask<Pixels, TileAlphaRule::OWN_KEYED>>(state, operand);
-        return true;
-    }
-    return true;
+    return withTileAlphaRule(state, [&]<TileAlphaRule RULE>() {
+        blendWith<BlendSamplesMask<Pixels, RULE>>(state, operand);
+    });
 }
 
 // The two members: 1-bit screens with transparent zeros, and every other
@@ -197,7 +127,7 @@ bool blendMask(PaintState& state, const ImageOperand& operand) {
     if (state.screenMember == SCREEN_SOLID) {
         return blendSolid<Pixels>(state, operand);
     }
-    if (!maskTileUsable(state)) {
+    if (!tileUsable(state)) {
         return false; // the plain member paints nothing either
     }
     switch (state.screenMember) {

@@ -104,10 +104,7 @@ struct BitsMask {
         storeGroup<Pixel>(at, n, bits & cell, one, OPAQUE ? bits & ~cell : 0u, zero);
     }
     void run(Pixel* at, int32_t x, int32_t n) {
-        for (int32_t i = 0; i < n; i += 8) {
-            const int32_t m = n - i < 8 ? n - i : 8;
-            group(at + i, x + i, 0xFF00u >> m & 0xFFu, m);
-        }
+        runAsGroups(n, [&](int32_t i, uint32_t bits, int32_t m) { group(at + i, x + i, bits, m); });
     }
 
     MaskBitTile tile;
@@ -150,7 +147,7 @@ void paintWith(PaintState& state, const ImageOperand& operand) {
 // The member for 1-bit screens with transparent zeros.
 template <class Pixels>
 void paintMaskTransparent(PaintState& state, const ImageOperand& operand) {
-    if (maskTileUsable(state)) {
+    if (tileUsable(state)) {
         paintWith<BitsMask<Pixels, false>>(state, operand);
     }
 }
@@ -160,7 +157,7 @@ template <class Pixels>
 void paintMaskOther(PaintState& state, const ImageOperand& operand) {
     if (state.screenMember == SCREEN_SOLID) {
         paintWith<SolidMask<Pixels>>(state, operand);
-    } else if (!maskTileUsable(state)) {
+    } else if (!tileUsable(state)) {
         return; // a screen without pixels paints nothing
     } else if (state.screenMember == SCREEN_BITS_OPAQUE) {
         paintWith<BitsMask<Pixels, true>>(state, operand);

@@ -9,7 +9,6 @@
 
 #include <bit>
 #include <cstdint>
-#include <cstring>
 
 namespace kryn {
 
@@ -20,6 +19,16 @@ inline void forEachSetBit(uint32_t bits, Fn&& fn) {
         const int b = std::countl_zero(static_cast<uint8_t>(bits));
         fn(b);
         bits &= ~(0x80u >> b);
+    }
+}
+
+// A run of n pixels as the groups of eight that make it up (the last one
+// m pixels, every bit of each set): group(i, bits, m) from pixel i on.
+template <class Group>
+inline void runAsGroups(int32_t n, Group&& group) {
+    for (int32_t i = 0; i < n; i += 8) {
+        const int32_t m = n - i < 8 ? n - i : 8;
+        group(i, 0xFF00u >> m & 0xFFu, m);
     }
 }
 
@@ -105,20 +114,12 @@ struct MaskSampleTile {
             fn(b, c);
         });
     }
-    Pixel sample(int32_t c) const {
-        Pixel p;
-        std::memcpy(&p, row + int64_t{c} * int64_t{sizeof(Pixel)}, sizeof(Pixel));
-        return p;
-    }
+    Pixel sample(int32_t c) const { return tileSample<Pixel>(row, c); }
 
     TileView tile;
     int32_t rowIndex = 0;
     const uint8_t* row = nullptr;
     TileColumn cursor;
 };
-
-inline bool maskTileUsable(const PaintState& state) {
-    return state.tileBase != nullptr && state.tileWidth > 0 && state.tileHeight > 0;
-}
 
 } // namespace kryn

@@ -12,8 +12,6 @@ namespace kryn {
 
 namespace {
 
-// The screened members of one geometry: 1-bit transparent zeros, 1-bit
-// opaque zeros, tile samples.
 // The blend members of one geometry, by screen: solid, 1-bit transparent
 // zeros, 1-bit opaque zeros, tile samples.
 #define KRYN_BLENDS(Pixels, G)                                                                     \
@@ -22,6 +20,8 @@ namespace {
             blendArea<Pixels, SCREEN_BITS_OPAQUE, G>, blendArea<Pixels, SCREEN_SAMPLES, G>         \
     }
 
+// The screened members of one geometry: 1-bit transparent zeros, 1-bit
+// opaque zeros, tile samples.
 #define KRYN_SCREENED(Pixels, G)                                                                   \
     paintScreened<Pixels, SCREEN_BITS_TRANSPARENT, G>,                                             \
         paintScreened<Pixels, SCREEN_BITS_OPAQUE, G>, paintScreened<Pixels, SCREEN_SAMPLES, G>

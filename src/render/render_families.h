@@ -5,11 +5,11 @@
 // blend slot, or one that answers false (no alpha source in play), hands
 // the record to the plain member.
 //
-// Images: imageBlend (by kind nibble) and maskBlend are the hook for the
-// image blend members. They take the same dispatch as the area members,
-// with the sample alphas of imageSampleAlpha (render/blend_sources.h) and
-// blendChannel; until a slot is filled, blended pages paint images
-// through the plain members.
+// Images: imageBlend (by kind nibble) and maskBlend hold the image and mask
+// blend members. They take the same dispatch as the area members, with the
+// sample alphas of imageSampleAlpha (render/blend_sources.h) and
+// blendChannel; a kind without a blend member paints through its plain
+// member on blended pages too.
 #pragma once
 
 #include "render/area_operand.h"

@@ -1,11 +1,12 @@
 // How the screened and blending members read a screen tile: which tile row
-// and column lie under a band pixel, and a cursor over the bits of a 1-bit
-// tile row.
+// and column lie under a band pixel, the pixels of a tile of samples, a
+// column walk, and a cursor over the bits of a 1-bit tile row.
 #pragma once
 
 #include "render/paint_state.h"
 
 #include <cstdint>
+#include <cstring>
 
 namespace kryn {
 
@@ -26,6 +27,41 @@ struct TileView {
     int32_t rowBytes;
     int32_t phase;
 };
+
+// A tile the members can read: its pixels and its size are set. A screened
+// record without one paints nothing.
+inline bool tileUsable(const PaintState& state) {
+    return state.tileBase != nullptr && state.tileWidth > 0 && state.tileHeight > 0;
+}
+
+// Pixel `column` of a row of a tile of samples (rows need not be aligned).
+template <class Pixel>
+Pixel tileSample(const uint8_t* tileRow, int32_t column) {
+    Pixel p;
+    std::memcpy(&p, tileRow + int64_t{column} * int64_t{sizeof(Pixel)}, sizeof(Pixel));
+    return p;
+}
+
+// Visits the pixels of band column x from row top to bottom with the tile
+// row under each (its index and its bytes), which advances with the band
+// row and wraps at the tile's height.
+template <class Pixel, class Visit>
+void walkTileColumn(const PaintState& state, const TileView& tile, int32_t x, int32_t top,
+                    int32_t bottom, Visit visit) {
+    const int32_t step = state.strideBytes / static_cast<int32_t>(sizeof(Pixel));
+    Pixel* at = reinterpret_cast<Pixel*>(state.raster + int64_t{top} * state.strideBytes) + x;
+    int32_t tileRow = tile.rowIndex(top);
+    const uint8_t* rowAt = tile.base + int64_t{tileRow} * tile.rowBytes;
+    for (int32_t y = top; y <= bottom; ++y, at += step) {
+        visit(*at, tileRow, rowAt);
+        if (++tileRow == tile.height) {
+            tileRow = 0;
+            rowAt = tile.base;
+        } else {
+            rowAt += tile.rowBytes;
+        }
+    }
+}
 
 // Bits of one tile row from a column on, most significant bit first; the
 // byte index wraps to 0 at the row's end.

@@ -69,19 +69,8 @@ ResultCode recordDirect(const BandWalk& w, SweepNode* left, SweepNode* right, in
     const int32_t l = left->tableIndex;
     const int32_t r = right->tableIndex;
     if (left->vertical != 0 && right->vertical != 0) {
-        int64_t x0 = columnOn(w, l, first, strict);
-        int64_t x1 = columnOn(w, r, first, strict) - 1;
-        x0 = x0 < minCol ? minCol : x0;
-        x1 = x1 > maxCol ? maxCol : x1;
-        if (x0 > x1) {
-            return KRYN_OK;
-        }
-        if (first == last) {
-            return rec.span(rec.ctx, static_cast<int32_t>(x0), static_cast<int32_t>(x1),
-                            static_cast<int32_t>(first));
-        }
-        return rec.rect(rec.ctx, static_cast<int32_t>(x0), static_cast<int32_t>(x1),
-                        static_cast<int32_t>(first), static_cast<int32_t>(last));
+        return recordBlockWithin(rec, columnOn(w, l, first, strict),
+                                 columnOn(w, r, first, strict) - 1, minCol, maxCol, first, last);
     }
     if (left->vertical == 0 && right->vertical == 0 && r1 - r0 >= LONG_TRAPEZOID_ROWS &&
         rec.bandRowSpans != nullptr && rec.bandHeight > 0 && w.scan->rowSpanPairs != nullptr &&
@@ -94,16 +83,11 @@ ResultCode recordDirect(const BandWalk& w, SweepNode* left, SweepNode* right, in
         return recordRowPiece(pieceOfTrapezoid(t, q), q, rec, w.scan->rowSpanPairs);
     }
     for (int64_t row = first; row <= last; ++row) {
-        int64_t x0 = columnOn(w, l, row, strict);
-        int64_t x1 = columnOn(w, r, row, strict) - 1;
-        x0 = x0 < minCol ? minCol : x0;
-        x1 = x1 > maxCol ? maxCol : x1;
-        if (x0 <= x1) {
-            const ResultCode res = rec.span(rec.ctx, static_cast<int32_t>(x0),
-                                            static_cast<int32_t>(x1), static_cast<int32_t>(row));
-            if (failed(res)) {
-                return res;
-            }
+        const int64_t x0 = columnOn(w, l, row, strict);
+        const ResultCode res =
+            recordSpanWithin(rec, x0, columnOn(w, r, row, strict) - 1, minCol, maxCol, row);
+        if (failed(res)) {
+            return res;
         }
     }
     return KRYN_OK;
@@ -162,16 +146,11 @@ ResultCode walkRowDirect(const BandWalk& w, int32_t first, int64_t row) {
         if (state != 0) {
             continue;
         }
-        int64_t x0 = columnOn(w, left, row, strict);
-        int64_t x1 = columnOn(w, i, row, strict) - 1;
-        x0 = x0 < minCol ? minCol : x0;
-        x1 = x1 > maxCol ? maxCol : x1;
-        if (x0 <= x1) {
-            const ResultCode r = rec.span(rec.ctx, static_cast<int32_t>(x0),
-                                          static_cast<int32_t>(x1), static_cast<int32_t>(row));
-            if (failed(r)) {
-                return r;
-            }
+        const int64_t x0 = columnOn(w, left, row, strict);
+        const ResultCode r =
+            recordSpanWithin(rec, x0, columnOn(w, i, row, strict) - 1, minCol, maxCol, row);
+        if (failed(r)) {
+            return r;
         }
     }
     return KRYN_OK;

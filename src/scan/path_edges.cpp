@@ -41,7 +41,7 @@ class SubpathWalker {
         pen_[0] = sp.start[0];
         pen_[1] = sp.start[1];
         for (const PathSegment* s = sp.paintFirstSegment; s != nullptr; s = s->next) {
-            const ResultCode r = segment(*s);
+            const ResultCode r = walkSegment(*s, *this);
             if (failed(r)) {
                 return r;
             }
@@ -58,6 +58,9 @@ class SubpathWalker {
     }
 
   private:
+    // walkSegment hands each segment to lineTo, curve and powerCurve.
+    friend ResultCode kryn::walkSegment<SubpathWalker>(const PathSegment& s, SubpathWalker& walker);
+
     // One line from the pen; the pen moves to its end.
     ResultCode lineTo(double x, double y) {
         if (x == pen_[0] && y == pen_[1]) {
@@ -110,28 +113,6 @@ class SubpathWalker {
         WidePoint end;
         return flattenPowerCurve(from, pc, tolerance_.fixed, direct_ ? nullptr : &wideClip_,
                                  wideChord, this, &end);
-    }
-
-    ResultCode segment(const PathSegment& s) {
-        switch (s.type) {
-        case SEG_LINE:
-            return lineTo(s.line[0], s.line[1]);
-        case SEG_LINE_INT:
-            return lineTo(s.lineInt[0], s.lineInt[1]);
-        case SEG_CURVE:
-            return curve(s.curve);
-        case SEG_CURVE_INT: {
-            float c[6];
-            for (int i = 0; i < 6; ++i) {
-                c[i] = static_cast<float>(s.curveInt[i]);
-            }
-            return curve(c);
-        }
-        case SEG_POLY_CURVE:
-            return powerCurve(s.poly);
-        default:
-            return KRYN_OK;
-        }
     }
 
     ScanState* scan_;

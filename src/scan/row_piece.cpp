@@ -43,16 +43,10 @@ bool isVertical(const Edge* e) {
 ResultCode recordRows(PieceSteppers& s, int64_t first, int64_t last, int64_t minCol, int64_t maxCol,
                       const SpanRecorder& rec) {
     for (int64_t row = first; row <= last; ++row) {
-        int64_t x0 = s.leftColumn();
-        int64_t x1 = s.rightColumn() - 1;
-        x0 = x0 < minCol ? minCol : x0;
-        x1 = x1 > maxCol ? maxCol : x1;
-        if (x0 <= x1) {
-            const ResultCode r = rec.span(rec.ctx, static_cast<int32_t>(x0),
-                                          static_cast<int32_t>(x1), static_cast<int32_t>(row));
-            if (failed(r)) {
-                return r;
-            }
+        const ResultCode r =
+            recordSpanWithin(rec, s.leftColumn(), s.rightColumn() - 1, minCol, maxCol, row);
+        if (failed(r)) {
+            return r;
         }
         if (row < last) {
             s.advance();
@@ -141,19 +135,8 @@ ResultCode recordRowPiece(const RowPiece& piece, int32_t quarterTurns, const Spa
         allVertical = allVertical && isVertical(piece.right[i]);
     }
     if (allVertical) {
-        int64_t x0 = s.leftColumn();
-        int64_t x1 = s.rightColumn() - 1;
-        x0 = x0 < minCol ? minCol : x0;
-        x1 = x1 > maxCol ? maxCol : x1;
-        if (x0 > x1) {
-            return KRYN_OK;
-        }
-        if (first == last) {
-            return rec.span(rec.ctx, static_cast<int32_t>(x0), static_cast<int32_t>(x1),
-                            static_cast<int32_t>(first));
-        }
-        return rec.rect(rec.ctx, static_cast<int32_t>(x0), static_cast<int32_t>(x1),
-                        static_cast<int32_t>(first), static_cast<int32_t>(last));
+        return recordBlockWithin(rec, s.leftColumn(), s.rightColumn() - 1, minCol, maxCol, first,
+                                 last);
     }
     const bool longSloped = piece.leftCount == 1 && piece.rightCount == 1 &&
                             !isVertical(piece.left[0]) && !isVertical(piece.right[0]) &&

@@ -21,6 +21,36 @@ struct RowPiece {
     int64_t maxColumn = NO_COLUMN_MAX;
 };
 
+// Records the span of `row` from column x0 to x1 cut to minCol..maxCol,
+// when it keeps a pixel.
+inline ResultCode recordSpanWithin(const SpanRecorder& rec, int64_t x0, int64_t x1, int64_t minCol,
+                                   int64_t maxCol, int64_t row) {
+    x0 = x0 < minCol ? minCol : x0;
+    x1 = x1 > maxCol ? maxCol : x1;
+    if (x0 > x1) {
+        return KRYN_OK;
+    }
+    return rec.span(rec.ctx, static_cast<int32_t>(x0), static_cast<int32_t>(x1),
+                    static_cast<int32_t>(row));
+}
+
+// Records rows first..last (first <= last) from column x0 to x1 cut to
+// minCol..maxCol, when they keep a pixel: a span for one row, a rectangle
+// for more.
+inline ResultCode recordBlockWithin(const SpanRecorder& rec, int64_t x0, int64_t x1, int64_t minCol,
+                                    int64_t maxCol, int64_t first, int64_t last) {
+    if (first == last) {
+        return recordSpanWithin(rec, x0, x1, minCol, maxCol, first);
+    }
+    x0 = x0 < minCol ? minCol : x0;
+    x1 = x1 > maxCol ? maxCol : x1;
+    if (x0 > x1) {
+        return KRYN_OK;
+    }
+    return rec.rect(rec.ctx, static_cast<int32_t>(x0), static_cast<int32_t>(x1),
+                    static_cast<int32_t>(first), static_cast<int32_t>(last));
+}
+
 // The piece of one trapezoid alone.
 RowPiece pieceOfTrapezoid(const Trapezoid& t, int32_t quarterTurns);
 

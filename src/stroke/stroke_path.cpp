@@ -62,7 +62,7 @@ class Stroker {
         const StrokePoint start{sp.start[0], sp.start[1]};
         cur_ = start;
         for (const PathSegment* s = sp.paintFirstSegment; s != nullptr; s = s->next) {
-            const ResultCode r = segment(*s);
+            const ResultCode r = walkSegment(*s, *this);
             if (failed(r)) {
                 return r;
             }
@@ -83,6 +83,9 @@ class Stroker {
     }
 
   private:
+    // walkSegment hands each segment to lineTo, curve and powerCurve.
+    friend ResultCode kryn::walkSegment<Stroker>(const PathSegment& s, Stroker& walker);
+
     bool reaches(const FloatBox& b) const {
         return b.minX <= clip_.maxX && clip_.minX <= b.maxX && b.minY <= clip_.maxY &&
                clip_.minY <= b.maxY;
@@ -102,6 +105,7 @@ class Stroker {
 
     // One line from the current point; a zero-length line draws nothing and
     // leaves the current point.
+    ResultCode lineTo(double x, double y) { return line({x, y}); }
     ResultCode line(StrokePoint q) {
         if (q.x == cur_.x && q.y == cur_.y) {
             return KRYN_OK;
@@ -281,28 +285,6 @@ class Stroker {
                             x + pc.ax + pc.bx + pc.cx,
                             y + pc.ay + pc.by + pc.cy};
         return curve(c);
-    }
-
-    ResultCode segment(const PathSegment& s) {
-        switch (s.type) {
-        case SEG_LINE:
-            return line({s.line[0], s.line[1]});
-        case SEG_LINE_INT:
-            return line({static_cast<double>(s.lineInt[0]), static_cast<double>(s.lineInt[1])});
-        case SEG_CURVE:
-            return curve(s.curve);
-        case SEG_CURVE_INT: {
-            float c[6];
-            for (int i = 0; i < 6; ++i) {
-                c[i] = static_cast<float>(s.curveInt[i]);
-            }
-            return curve(c);
-        }
-        case SEG_POLY_CURVE:
-            return powerCurve(s.poly);
-        default:
-            return KRYN_OK;
-        }
     }
 
     GraphicsState& gs_;
