@@ -70,6 +70,23 @@ inline uint32_t changesOf8(const uint32_t* row, int32_t x) {
 #endif
 }
 
+// Tags the seven words from `at` on as runs of one pixel each.
+inline void markSingles7(uint32_t* at) {
+    constexpr uint32_t ONE = 2u << 24;
+#if defined(__SSE2__)
+    auto* v = reinterpret_cast<__m128i*>(at);
+    const __m128i all = _mm_set1_epi32(static_cast<int>(ONE));
+    const __m128i firstThree =
+        _mm_set_epi32(0, static_cast<int>(ONE), static_cast<int>(ONE), static_cast<int>(ONE));
+    _mm_storeu_si128(v, _mm_or_si128(_mm_loadu_si128(v), all));
+    _mm_storeu_si128(v + 1, _mm_or_si128(_mm_loadu_si128(v + 1), firstThree));
+#else
+    for (int32_t i = 0; i < 7; ++i) {
+        at[i] |= ONE;
+    }
+#endif
+}
+
 // Closes a run at every column from x on (up to maxX) whose word differs
 // from the one before it, from the run at `head` on; answers the head of
 // the last run. Eight columns are compared at a time: a closed run writes
@@ -77,7 +94,16 @@ inline uint32_t changesOf8(const uint32_t* row, int32_t x) {
 // compared.
 int32_t closeChanges(uint32_t* row, int32_t head, int32_t x, int32_t maxX) {
     for (; x + 7 <= maxX; x += 8) {
-        for (uint32_t bits = changesOf8(row, x); bits != 0; bits &= bits - 1) {
+        uint32_t bits = changesOf8(row, x);
+        if (bits == 0xFFu) {
+            // Every word differs from the one before it (fine screens):
+            // seven runs of one pixel, tagged together.
+            closeRun(row, head, x - head);
+            markSingles7(row + x);
+            head = x + 7;
+            continue;
+        }
+        for (; bits != 0; bits &= bits - 1) {
             const int32_t at = x + std::countr_zero(bits);
             closeRun(row, head, at - head);
             head = at;
