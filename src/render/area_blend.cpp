@@ -29,11 +29,21 @@ struct BlendSolidPaint {
         span(state, y, left, right);
     }
 
-    // A row that held the same pixels as the row above becomes what that
-    // row became. Rows are compared before either is painted.
+    // A pixel that held what the pixel above held becomes what that
+    // became. Down columns where the pixels allow (see blendBlockWords),
+    // else row by row: a row that equalled the row above (compared before
+    // either is painted) is copied from it.
     void block(const PaintState& state, int32_t left, int32_t top, int32_t right,
                int32_t bottom) const {
         const int32_t n = right - left + 1;
+        if (top == bottom) {
+            blendRow(Pixels::row(state, top) + left, n);
+            return;
+        }
+        if (Pixels::blendBlock(Pixels::row(state, top) + left, n, bottom - top + 1,
+                               state.strideBytes, ink, tag)) {
+            return;
+        }
         const size_t bytes = static_cast<size_t>(n) * sizeof(Pixel);
         bool sameAsAbove = false;
         for (int32_t y = top; y <= bottom; ++y) {

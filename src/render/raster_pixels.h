@@ -69,6 +69,10 @@ struct GreyPixels {
     static void blendRow(Pixel* at, int32_t n, const BlendInk& ink, uint32_t) {
         blendRowBytes(at, n, ink);
     }
+    static bool blendBlock(Pixel* at, int32_t n, int32_t rows, int32_t stride, const BlendInk& ink,
+                           uint32_t) {
+        return blendBlockBytes(at, n, rows, stride, ink);
+    }
     // Tile pixel p laid over D with the weights of its alpha.
     static Pixel blendSample(Pixel d, Pixel p, BlendWeights w, uint32_t) {
         return static_cast<Pixel>(blendWeighted(w, p, d));
@@ -121,6 +125,10 @@ struct ColourPixels {
     }
     static void blendRow(Pixel* at, int32_t n, const BlendInk& ink, uint32_t tag) {
         blendRowWords(at, n, ink, tag);
+    }
+    static bool blendBlock(Pixel* at, int32_t n, int32_t rows, int32_t stride, const BlendInk& ink,
+                           uint32_t tag) {
+        return blendBlockWords(at, n, rows, stride, ink, tag);
     }
     static Pixel blendSample(Pixel d, Pixel p, BlendWeights w, uint32_t tag) {
         return blendWeighted(w, p & 0xFF, d & 0xFF) |

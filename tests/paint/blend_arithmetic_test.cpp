@@ -10,7 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <random>
 #include <vector>
 
 namespace kryn {
@@ -93,6 +95,51 @@ TEST(BlendArithmetic, WholeRowsGiveTheRuleForEveryAlphaAndChannel) {
                     FAIL() << "rows: a " << a << " s " << s << " d " << d;
                 }
             }
+        }
+    }
+}
+
+TEST(BlendArithmetic, BlocksGiveEveryRowAsTheRowFormsDo) {
+    // Blocks whose rows repeat the row above, the row two above, or differ
+    // from the row above in one channel of one pixel (the first, the last,
+    // one in between), at every width through several columns of the block
+    // forms: each row as blended on its own, and the pixels beside the
+    // block left as they were.
+    std::mt19937 random(5);
+    const BlendInk ink = blendInk(77, 0x20A0F0);
+    constexpr int32_t ROWS = 20;
+    for (int32_t n = 1; n <= 150; ++n) {
+        const int32_t stride = n + 3;
+        std::vector<uint32_t> words(size_t(stride) * ROWS);
+        for (auto& w : words) {
+            w = random() & 0x0F0F0F0F;
+        }
+        for (int32_t r = 1; r < ROWS; ++r) {
+            uint32_t* row = &words[size_t(r * stride)];
+            const uint32_t kind = random() % 6;
+            if (kind == 5) {
+                continue; // a row of its own
+            }
+            std::copy_n(row - (kind == 4 && r > 1 ? 2 : 1) * stride, n, row);
+            if (kind < 3) {
+                const int32_t x = kind == 0 ? 0 : kind == 1 ? n - 1 : n / 2;
+                row[x] ^= 1u << (8 * (random() % 3));
+            }
+        }
+        std::vector<uint8_t> bytes(words.size());
+        std::transform(words.begin(), words.end(), bytes.begin(),
+                       [](uint32_t w) { return uint8_t(w); });
+        auto wantWords = words;
+        auto wantBytes = bytes;
+        for (int32_t r = 0; r < ROWS; ++r) {
+            blendRowWordsEach(&wantWords[size_t(r * stride)], n, ink, 0x03000000);
+            blendRowBytesEach(&wantBytes[size_t(r * stride)], n, ink);
+        }
+        if (blendBlockWords(words.data(), n, ROWS, stride * 4, ink, 0x03000000)) {
+            ASSERT_EQ(words, wantWords) << "32-bit, " << n << " wide";
+        }
+        if (blendBlockBytes(bytes.data(), n, ROWS, stride, ink)) {
+            ASSERT_EQ(bytes, wantBytes) << "8-bit, " << n << " wide";
         }
     }
 }
