@@ -6,6 +6,8 @@
 // (operation_table_test checks that), so a new operation is attacked too.
 #include "operation_table.h"
 
+#include "support/engine_fixture.h"
+
 #include "kryn/kryn.h"
 #include "kryn/platform.h"
 
@@ -20,6 +22,9 @@
 #include <vector>
 
 using namespace kryn::script;
+using kryn::test::CallbackLog;
+using kryn::test::documented;
+using kryn::test::expectEnginePaints;
 
 namespace {
 
@@ -190,37 +195,7 @@ std::vector<Case> hostileCases(const OperationEntry& op) {
     return cases;
 }
 
-bool documented(ResultCode r) {
-    return r == KRYN_OK || r == KRYN_ERR_NO_MEMORY || r == KRYN_ERR_INVALID ||
-           r == KRYN_ERR_NO_CURRENT_POINT || r == KRYN_ERR_GSTATE_UNDERFLOW;
-}
-
-struct RasterCount {
-    int rasters = 0;
-    static uint32_t callback(uint32_t code, uint32_t, const void*, uint32_t, uintptr_t context,
-                             const RasterRect*) {
-        if (code == CB_RASTER_BOX || (code >= CB_RASTER_STANDARD && code <= CB_RASTER_DIRECT)) {
-            ++reinterpret_cast<RasterCount*>(context)->rasters;
-        }
-        return 0;
-    }
-    uintptr_t context() { return reinterpret_cast<uintptr_t>(this); }
-};
-
 const int32_t IDENTITY[6] = {1, 0, 0, 1, 0, 0};
-
-// The engine still opens a page, fills a rectangle and delivers it.
-void expectEnginePaints(Engine* e, const std::string& after) {
-    RasterCount count;
-    ASSERT_EQ(KRYNNewPage(3, e), KRYN_OK) << after;
-    const ColourValue black = 0;
-    EXPECT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK) << after;
-    EXPECT_EQ(KRYNSetColor(&black, 0, e), KRYN_OK) << after;
-    EXPECT_EQ(KRYNRectPath(2, 2, 8, 8, e), KRYN_OK) << after;
-    EXPECT_EQ(KRYNFill(FILL_NONZERO, e), KRYN_OK) << after;
-    EXPECT_EQ(KRYNClosePage(&RasterCount::callback, count.context(), e), KRYN_OK) << after;
-    EXPECT_GT(count.rasters, 0) << after;
-}
 
 // Plays one hostile call on a fresh engine with a page of `mode` open and a
 // current point, paints whatever path it left, sends the page out, and checks
@@ -230,8 +205,8 @@ void attack(const OperationEntry& op, Case& c, int16_t mode) {
     const std::string what = c.what + " in mode " + std::to_string(mode);
     Engine* e = KRYNInit(199, 149, 32, 600, 0x8009);
     ASSERT_NE(e, nullptr);
-    RasterCount sink;
-    c.frame.callback = &RasterCount::callback;
+    CallbackLog sink;
+    c.frame.callback = &CallbackLog::callback;
     c.frame.context = sink.context();
     ASSERT_EQ(KRYNNewPage(mode, e), KRYN_OK);
     ASSERT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK);
@@ -249,9 +224,9 @@ void attack(const OperationEntry& op, Case& c, int16_t mode) {
     }
     const ResultCode fill = KRYNFill(FILL_NONZERO, e);
     EXPECT_TRUE(documented(fill)) << what << ": the following fill answered 0x" << std::hex << fill;
-    const ResultCode next = KRYNNextBand(1, &RasterCount::callback, sink.context(), e);
+    const ResultCode next = KRYNNextBand(1, &CallbackLog::callback, sink.context(), e);
     EXPECT_TRUE(next == KRYN_OK || next == KRYN_ERR_INVALID) << what;
-    const ResultCode close = KRYNClosePage(&RasterCount::callback, sink.context(), e);
+    const ResultCode close = KRYNClosePage(&CallbackLog::callback, sink.context(), e);
     EXPECT_TRUE(close == KRYN_OK || close == KRYN_ERR_INVALID) << what;
     // Closed already unless the call under attack opened a page of its own.
     const ResultCode disposed = KRYNDisposePage(e);
@@ -391,13 +366,7 @@ TEST(HostileInput, AbsurdEngineGeometryIsRefusedOrWorks) {
             EXPECT_EQ(KRYNGetPageResource(&w, &h, e), KRYN_OK);
             EXPECT_EQ(w, static_cast<uint32_t>(g.width) + 1);
             EXPECT_EQ(h, static_cast<uint32_t>(g.height) + 1);
-            ASSERT_EQ(KRYNNewPage(3, e), KRYN_OK);
-            EXPECT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK);
-            EXPECT_EQ(KRYNRectPath(-5, -5, 64, 64, e), KRYN_OK);
-            EXPECT_EQ(KRYNFill(FILL_NONZERO, e), KRYN_OK);
-            RasterCount count;
-            EXPECT_EQ(KRYNClosePage(&RasterCount::callback, count.context(), e), KRYN_OK);
-            EXPECT_GT(count.rasters, 0);
+            expectEnginePaints(e, "a new engine");
             EXPECT_EQ(KRYNEnd(e), KRYN_OK);
         }
         EXPECT_EQ(KRYNPlatformLiveBlocks(), live);
@@ -428,14 +397,13 @@ TEST(HostileInput, BandGroupsMovedFarPastThePageAdmitNothing) {
         ASSERT_NE(e, nullptr);
         ASSERT_EQ(KRYNNewPage(1, e), KRYN_OK);
         ASSERT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK);
-        RasterCount sink;
+        CallbackLog sink;
         for (int i = 0; i < 6; ++i) {
-            EXPECT_EQ(KRYNNextBand(step, &RasterCount::callback, sink.context(), e), KRYN_OK);
+            EXPECT_EQ(KRYNNextBand(step, &CallbackLog::callback, sink.context(), e), KRYN_OK);
             EXPECT_EQ(KRYNClearClip(e), KRYN_OK);
             EXPECT_EQ(KRYNRectPath(0, 0, 150, 40, e), KRYN_OK);
             EXPECT_TRUE(documented(KRYNFill(FILL_NONZERO, e))) << step;
         }
-        EXPECT_EQ(KRYNClosePage(&RasterCount::callback, sink.context(), e), KRYN_OK);
         expectEnginePaints(e, "after groups of " + std::to_string(step));
         KRYNEnd(e);
         EXPECT_EQ(KRYNPlatformLiveBlocks(), live);
