@@ -118,48 +118,50 @@ struct ScanPage {
     bool ok = false;
 };
 
-// Polygons in sixteenths handed over as 16.16 fixed points.
-struct FixedPolygons {
-    std::vector<std::vector<FixedPoint>> points;
+// Polygons in sixteenths handed over as 16.16 fixed points, or as floats
+// (which hold sixteenths exactly).
+struct Polylines {
+    std::vector<std::vector<FixedPoint>> fixed;
+    std::vector<std::vector<FloatPoint>> floats;
     std::vector<Polyline> lines;
+    int32_t records = 0; // the edge table is bucketed from 40 on
 
-    explicit FixedPolygons(const std::vector<OraclePolygon>& polys) {
+    explicit Polylines(const std::vector<OraclePolygon>& polys, bool asFloat = false) {
         for (const OraclePolygon& p : polys) {
-            std::vector<FixedPoint> v;
+            fixed.emplace_back();
+            floats.emplace_back();
             for (const OraclePoint& q : p) {
-                v.push_back({static_cast<int32_t>(q.x * 4096), static_cast<int32_t>(q.y * 4096)});
+                if (asFloat) {
+                    floats.back().push_back({static_cast<float>(static_cast<double>(q.x) / 16),
+                                             static_cast<float>(static_cast<double>(q.y) / 16)});
+                } else {
+                    fixed.back().push_back(
+                        {static_cast<int32_t>(q.x * 4096), static_cast<int32_t>(q.y * 4096)});
+                }
             }
-            points.push_back(v);
         }
-        for (const auto& v : points) {
+        for (size_t i = 0; i < polys.size(); ++i) {
             Polyline l;
-            l.fixedPoints = v.data();
-            l.count = static_cast<int32_t>(v.size());
+            l.fixedPoints = asFloat ? nullptr : fixed[i].data();
+            l.floatPoints = asFloat ? floats[i].data() : nullptr;
+            l.count = static_cast<int32_t>(polys[i].size());
+            records += l.count;
             lines.push_back(l);
         }
     }
+    int32_t count() const { return static_cast<int32_t>(lines.size()); }
 };
 
 inline ScanFloatBox everywhere() {
     return {-1e30f, 1e30f, -1e30f, 1e30f};
 }
 
-// The edge table is bucketed when the figure has 40 points or more.
-inline int32_t recordCount(const std::vector<OraclePolygon>& polys) {
-    size_t n = 0;
-    for (const auto& p : polys) {
-        n += p.size();
-    }
-    return static_cast<int32_t>(n);
-}
-
 // Fills polygons (sixteenths, within 16.16 range) on the page with its
 // current clip.
 inline ResultCode fillPolygons(ScanPage& p, const std::vector<OraclePolygon>& polys, int32_t rule,
                                const SpanRecorder& rec) {
-    FixedPolygons f(polys);
-    ResultCode r = buildEdges(&p.scan, f.lines.data(), static_cast<int32_t>(f.lines.size()),
-                              recordCount(polys), everywhere());
+    const Polylines f(polys);
+    ResultCode r = buildEdges(&p.scan, f.lines.data(), f.count(), f.records, everywhere());
     if (r != KRYN_OK) {
         releaseEdges(&p.scan);
         return r;
@@ -168,9 +170,8 @@ inline ResultCode fillPolygons(ScanPage& p, const std::vector<OraclePolygon>& po
 }
 
 inline ResultCode clipPolygons(ScanPage& p, const std::vector<OraclePolygon>& polys, int32_t rule) {
-    FixedPolygons f(polys);
-    return clipWithPolylines(&p.clip, &p.scan, *p.base, f.lines.data(),
-                             static_cast<int32_t>(f.lines.size()), recordCount(polys), rule,
+    const Polylines f(polys);
+    return clipWithPolylines(&p.clip, &p.scan, *p.base, f.lines.data(), f.count(), f.records, rule,
                              p.page);
 }
 
