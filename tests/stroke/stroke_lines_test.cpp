@@ -1,10 +1,8 @@
 // Strokes whose pixels are known exactly: axis-parallel lines of whole
-// widths (thin ones included) with each cap in every page orientation,
-// dash patterns along a line, dots and stroked scan lines.
+// widths (thin ones included) with each cap in every page orientation.
+// Dash patterns, dots and scan lines: the golden job stroke_dashes_dots.
 #include "support/band_coverage.h"
 #include "support/engine_fixture.h"
-
-#include "engine/graphics_state.h"
 
 #include <gtest/gtest.h>
 
@@ -63,21 +61,6 @@ EnginePtr pageIn(int32_t q) {
     return e;
 }
 
-// Painted columns of one row as "[first,last]" runs.
-std::string rowRuns(const Coverage& c, int32_t y) {
-    std::string s;
-    for (int32_t x = 0; x < c.width; ++x) {
-        if (c.at(x, y) != 0 && (x == 0 || c.at(x - 1, y) == 0)) {
-            int32_t last = x;
-            while (last + 1 < c.width && c.at(last + 1, y) != 0) {
-                ++last;
-            }
-            s += "[" + std::to_string(x) + "," + std::to_string(last) + "]";
-        }
-    }
-    return s;
-}
-
 } // namespace
 
 TEST(StrokeLines, AxisParallelLinesOfWholeWidthsCoverExactRowsAndColumns) {
@@ -123,113 +106,4 @@ TEST(StrokeLines, AxisParallelLinesOfWholeWidthsCoverExactRowsAndColumns) {
             }
         }
     }
-}
-
-TEST(StrokeLines, DashPatternsAlongALine) {
-    struct Case {
-        std::vector<int32_t> pattern;
-        uint32_t phase;
-        uint16_t cap;
-        std::string runs; // row 50 of a line 2 wide from x 10 to x 40
-    };
-    const std::string threeTwo = "[10,12][15,17][20,22][25,27][30,32][35,37]";
-    const Case cases[] = {
-        {{3, 2}, 0, 0, threeTwo},
-        {{3, 2}, 5, 0, threeTwo},                                     // a whole period
-        {{3, 2}, 4, 0, "[11,13][16,18][21,23][26,28][31,33][36,38]"}, // 1 of the gap left
-        {{3, 3}, 0, 2, "[9,13][15,19][21,25][27,31][33,37]"},         // square caps
-        {{4}, 0, 0, "[10,39]"},                                       // the wrap keeps the pen down
-        {{4}, 2, 0, "[10,11][16,39]"}, // 2 of 4, a gap of 4, then solid
-        {{2, 1, 1},
-         0,
-         0,
-         "[10,11][13,15][17,19][21,23][25,27][29,31][33,35][37,39]"}, // odd: wraps merge
-        {{0, 4},
-         0,
-         2,
-         "[9,10][13,14][17,18][21,22][25,26][29,30][33,34][37,38]"}, // caps of empty dashes
-        {{-1, 3},
-         0,
-         0,
-         "[9,9][11,11][13,13][15,15][17,17][19,19][21,21][23,23][25,25][27,27][29,29]"
-         "[31,31][33,33][35,35][37,37]"}, // dashes running backwards
-    };
-    for (const Case& c : cases) {
-        EnginePtr e = pageIn(0);
-        ASSERT_EQ(KRYNSetLineWidth(2, e.get()), KRYN_OK);
-        ASSERT_EQ(KRYNSetLineCap(c.cap, e.get()), KRYN_OK);
-        ASSERT_EQ(KRYNSetLineDash(c.pattern.data(), uint16_t(c.pattern.size()), c.phase, e.get()),
-                  KRYN_OK);
-        for (int32_t y : {50, 80}) { // two subpaths: both start at the phase
-            const int32_t to[2] = {40, y};
-            ASSERT_EQ(KRYNMoveTo(10, y, e.get()), KRYN_OK);
-            ASSERT_EQ(KRYNLinesTo(to, 1, e.get()), KRYN_OK);
-        }
-        ASSERT_EQ(KRYNStroke(e.get()), KRYN_OK);
-        const Coverage cov = pageCoverage(pageOf(e.get()));
-        EXPECT_EQ(rowRuns(cov, 50), c.runs) << c.pattern[0] << "... phase " << c.phase;
-        EXPECT_EQ(rowRuns(cov, 80), c.runs) << "second subpath";
-    }
-}
-
-TEST(StrokeLines, DotsCoverTwoByTwoSamplesThroughTheClip) {
-    for (int32_t q = 0; q < 4; ++q) { // down and right of the point (up for 2 and 3 turns)
-        EnginePtr e = pageIn(q);
-        const std::vector<int32_t> p = user(q, 30, 40);
-        ASSERT_EQ(KRYNDotPaint(p[0], p[1], e.get()), KRYN_OK);
-        const Box b = paintedBox(pageCoverage(pageOf(e.get())));
-        const Span cols = sampled(30, 32, q == 1 || q == 2);
-        const Span rows = q <= 1 ? sampled(40, 42, false) : sampled(38, 40, true);
-        EXPECT_EQ(b.count, 4) << q;
-        EXPECT_TRUE(b.minX == cols.first && b.maxX == cols.last && b.minY == rows.first &&
-                    b.maxY == rows.last)
-            << q;
-    }
-    EnginePtr engine = makeEngine(W - 1, H - 1, 16);
-    Engine* e = engine.get();
-    ASSERT_EQ(KRYNNewPage(0, e), KRYN_OK);
-    EXPECT_EQ(KRYNDotPaint(10, 10, e), KRYN_OK); // no orientation yet: nothing
-    ASSERT_EQ(KRYNSetMatrix(ORIENTATIONS[0], e), KRYN_OK);
-    ASSERT_EQ(KRYNSetScale(0.5f, e), KRYN_OK);
-    EXPECT_EQ(KRYNDotPaint(21, 41, e), KRYN_OK); // (10.5, 20.5): the next pixels over
-    ASSERT_EQ(KRYNSetScale(2.0f, e), KRYN_OK);
-    ASSERT_EQ(KRYNRectPath(0, 0, 50, 50, e), KRYN_OK);
-    ASSERT_EQ(KRYNClip(FILL_NONZERO, e), KRYN_OK);
-    EXPECT_EQ(KRYNDotPaint(49, 30, e), KRYN_OK); // inside a rectangle: not clipped
-    EXPECT_EQ(KRYNDotPaint(60, 30, e), KRYN_OK); // outside: nothing
-    ASSERT_EQ(KRYNMoveTo(70, 0, e), KRYN_OK);
-    const int32_t tri[4] = {100, 0, 70, 30};
-    ASSERT_EQ(KRYNLinesTo(tri, 2, e), KRYN_OK);
-    ASSERT_EQ(KRYNClip(FILL_NONZERO, e), KRYN_OK);
-    EXPECT_EQ(KRYNDotPaint(84, 14, e), KRYN_OK); // x + y = 100 is the hypotenuse
-    const Coverage c = pageCoverage(pageOf(e));
-    EXPECT_EQ(rowRuns(c, 21), "[11,12]");
-    EXPECT_EQ(rowRuns(c, 30), "[49,50]") << "one column past the clip, as decided";
-    EXPECT_EQ(rowRuns(c, 14), "[84,85]");
-    EXPECT_EQ(rowRuns(c, 15), "[84,84]") << "(85, 15) samples the clip's right side";
-    EXPECT_EQ(paintedBox(c).count, 4 + 4 + 3);
-}
-
-TEST(StrokeLines, ScanLinesAreOpenRunsForTheNextStroke) {
-    EnginePtr engine = pageIn(0);
-    Engine* e = engine.get();
-    const int32_t runs[6] = {10, 20, 30, 45, 60, 61};
-    EXPECT_EQ(KRYNScanLines(runs, 7, 0, e), KRYN_ERR_INVALID);
-    EXPECT_EQ(KRYNScanLines(nullptr, 7, 3, e), KRYN_ERR_INVALID);
-    ASSERT_EQ(KRYNScanLines(runs, 7, 3, e), KRYN_OK);
-    int32_t subpaths = 0;
-    for (const Subpath* sp = currentState(e)->path.first; sp != nullptr; sp = sp->next) {
-        EXPECT_TRUE(sp->closed == 0 && sp->start[1] == 7.0f);
-        ++subpaths;
-    }
-    EXPECT_EQ(subpaths, 3);
-    EXPECT_EQ(currentState(e)->path.currentPoint[0], 60.0f);
-    const int16_t runs16[2] = {5, 9};
-    ASSERT_EQ(KRYNScanLines16(runs16, -1, 1, e), KRYN_OK);
-    EXPECT_EQ(currentState(e)->path.last->start[1], -1.0f);
-    ASSERT_EQ(KRYNFill(FILL_NONZERO, e), KRYN_OK); // runs enclose nothing
-    EXPECT_EQ(paintedBox(pageCoverage(pageOf(e))).count, 0);
-    ASSERT_EQ(KRYNScanLines(runs, 7, 3, e), KRYN_OK);
-    ASSERT_EQ(KRYNStroke(e), KRYN_OK);
-    EXPECT_EQ(rowRuns(pageCoverage(pageOf(e)), 7), "[10,19][30,44][60,60]");
 }

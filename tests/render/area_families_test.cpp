@@ -259,13 +259,13 @@ struct Screen {
     }
 };
 
-class PaintFamilies : public PageTest {
+class AreaFamilies : public PageTest {
   protected:
     void TearDown() override { freeBytes(screen_.widened.data); }
     Screen screen_;
 };
 
-TEST_F(PaintFamilies, EveryPixelFollowsTheRulesOfItsPaint) {
+TEST_F(AreaFamilies, EveryPixelFollowsTheRulesOfItsPaint) {
     std::mt19937 rng(163);
     const uint8_t generic[] = {0xB8, 0x0A, 0x8E, 0x6C, 0x3F};
     const auto pickAlpha = [&] {
