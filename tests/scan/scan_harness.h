@@ -1,5 +1,5 @@
 // Test harness for scan conversion: a recorder that counts how often every
-// pixel is painted, and a page-like owner of the scan state, clip stack and
+// pixel is painted and logs every call, and a page-like owner of the scan state, clip stack and
 // base clip.
 #pragma once
 
@@ -20,6 +20,7 @@ struct PixelCounts {
     int64_t outside = 0; // pieces reaching beyond the bounds
     int64_t bandCalls = 0, rectCalls = 0, spanCalls = 0;
     int64_t failAfterCalls = -1; // recorder answers NO_MEMORY after this many calls
+    std::vector<int64_t> calls;  // every call with its arguments, in order
 
     explicit PixelCounts(const OracleBounds& b)
         : bounds(b), hits(static_cast<size_t>(b.width()) * b.height(), 0) {}
@@ -52,12 +53,14 @@ struct PixelCounts {
         r.span = [](void* ctx, int32_t x0, int32_t x1, int32_t y) -> ResultCode {
             auto* self = static_cast<PixelCounts*>(ctx);
             ++self->spanCalls;
+            self->calls.insert(self->calls.end(), {1, x0, x1, y});
             const ResultCode c = self->call();
             return c != KRYN_OK ? c : self->paint(x0, x1, y);
         };
         r.rect = [](void* ctx, int32_t x0, int32_t x1, int32_t y0, int32_t y1) -> ResultCode {
             auto* self = static_cast<PixelCounts*>(ctx);
             ++self->rectCalls;
+            self->calls.insert(self->calls.end(), {2, x0, x1, y0, y1});
             const ResultCode c = self->call();
             if (c != KRYN_OK) {
                 return c;
@@ -72,9 +75,11 @@ struct PixelCounts {
         };
         if (bandSpans) {
             r.bandRowSpans = [](void* ctx, int32_t first, int32_t count, const uint16_t* pairs,
-                                int32_t) -> ResultCode {
+                                int32_t allEqual) -> ResultCode {
                 auto* self = static_cast<PixelCounts*>(ctx);
                 ++self->bandCalls;
+                self->calls.insert(self->calls.end(), {3, first, count, allEqual});
+                self->calls.insert(self->calls.end(), pairs, pairs + 2 * count);
                 const ResultCode c = self->call();
                 if (c != KRYN_OK) {
                     return c;

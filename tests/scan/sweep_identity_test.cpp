@@ -34,35 +34,6 @@ constexpr uint32_t CASES = 1000;
 constexpr uint32_t CASES = 10000;
 #endif
 
-// Every recorder call with its arguments, in order.
-struct CallLog {
-    std::vector<int64_t> calls;
-    SpanRecorder recorder(const OracleBounds& b, int32_t bandHeight) {
-        SpanRecorder r;
-        r.ctx = this;
-        r.bounds = {b.minX, b.maxX, b.minY, b.maxY};
-        r.bandHeight = bandHeight;
-        r.span = [](void* ctx, int32_t x0, int32_t x1, int32_t y) -> ResultCode {
-            static_cast<CallLog*>(ctx)->calls.insert(static_cast<CallLog*>(ctx)->calls.end(),
-                                                     {1, x0, x1, y});
-            return KRYN_OK;
-        };
-        r.rect = [](void* ctx, int32_t x0, int32_t x1, int32_t y0, int32_t y1) -> ResultCode {
-            static_cast<CallLog*>(ctx)->calls.insert(static_cast<CallLog*>(ctx)->calls.end(),
-                                                     {2, x0, x1, y0, y1});
-            return KRYN_OK;
-        };
-        r.bandRowSpans = [](void* ctx, int32_t first, int32_t count, const uint16_t* pairs,
-                            int32_t allEqual) -> ResultCode {
-            auto& c = static_cast<CallLog*>(ctx)->calls;
-            c.insert(c.end(), {3, first, count, allEqual});
-            c.insert(c.end(), pairs, pairs + 2 * count);
-            return KRYN_OK;
-        };
-        return r;
-    }
-};
-
 std::string firstDifference(const std::vector<int64_t>& got, const std::vector<int64_t>& want) {
     size_t i = 0;
     while (i < got.size() && i < want.size() && got[i] == want[i]) {
@@ -201,11 +172,10 @@ TEST(SweepIdentity, RecorderCallsMatchTheReference) {
         ScanPage engine(c.width, c.height, c.q, c.bandHeight);
         ScanPage reference(c.width, c.height, c.q, c.bandHeight);
         ASSERT_TRUE(engine.ok && reference.ok);
-        CallLog got;
-        CallLog want;
-        ASSERT_EQ(runCase(c, engine, got.recorder(engine.raster(), c.bandHeight), false), KRYN_OK);
-        ASSERT_EQ(runCase(c, reference, want.recorder(reference.raster(), c.bandHeight), true),
-                  KRYN_OK);
+        PixelCounts got(engine.raster());
+        PixelCounts want(reference.raster());
+        ASSERT_EQ(runCase(c, engine, got.recorder(c.bandHeight, true), false), KRYN_OK);
+        ASSERT_EQ(runCase(c, reference, want.recorder(c.bandHeight, true), true), KRYN_OK);
         ASSERT_EQ(firstDifference(regionPieces(&engine.scan, engine.clip.current),
                                   regionPieces(&reference.scan, reference.clip.current)),
                   "")

@@ -99,14 +99,9 @@ PlayedRun play(const std::string& path, std::function<bool(int, Engine*)> afterL
 
 std::vector<uint64_t> sampledFailures(uint64_t allocations, uint64_t maxRuns) {
     std::vector<uint64_t> samples;
-    if (allocations <= maxRuns) {
-        for (uint64_t n = 0; n < allocations; ++n) {
-            samples.push_back(n);
-        }
-    } else {
-        for (uint64_t i = 0; i < maxRuns; ++i) {
-            samples.push_back(i * allocations / maxRuns);
-        }
+    const uint64_t runs = std::min(allocations, maxRuns);
+    for (uint64_t i = 0; i < runs; ++i) {
+        samples.push_back(i * allocations / runs);
     }
     return samples;
 }
