@@ -4,13 +4,12 @@
 // fields, also when memory runs out on the way (the state records' bytes
 // are pinned by serialiser_layout_test and the golden streams).
 #include "support/alloc_sweep.h"
-#include "support/stream_decoder.h"
+#include "support/page_fixture.h"
 
 #include "displaylist/band_state_sync.h"
 #include "displaylist/record_writers.h"
 #include "engine/memory.h"
 
-#include <cstring>
 #include <map>
 
 namespace kryn::test {
@@ -67,27 +66,11 @@ std::map<uint32_t, std::vector<RecordFields>> paint(Engine* e, int count) {
         const auto row = static_cast<uint8_t>(i % 16);
         const auto x = static_cast<uint16_t>((i * 7) % 90);
         if (i % 10 == 9) {
-            auto* buffer = static_cast<uint8_t*>(allocBytes(16));
+            uint8_t* buffer =
+                runBuffer(0, {{row, 0, x, 3}, {row, 0, uint16_t(x + 5), 0x102}}, {1, 1, 2, 2});
             if (buffer == nullptr) {
                 continue;
             }
-            const uint8_t runs[16] = {0,
-                                      0,
-                                      2,
-                                      0,
-                                      row,
-                                      0,
-                                      static_cast<uint8_t>(x),
-                                      0,
-                                      3,
-                                      0,
-                                      row,
-                                      0,
-                                      static_cast<uint8_t>(x + 5),
-                                      0,
-                                      2,
-                                      1};
-            std::memcpy(buffer, runs, sizeof runs);
             if (writeRuns(list, buffer, 2, e->resources) == KRYN_OK) {
                 painted[band].push_back({DL_OP_RUNS, {row, x, 3, row, x + 5u, 0x102}});
             } else {
