@@ -68,14 +68,9 @@ std::vector<int64_t> hostileIntegers(ParamType t) {
     }
 }
 
-const std::vector<double> HOSTILE_REALS = {0.0,
-                                           -1.0,
-                                           1e-30,
-                                           1e30,
-                                           -1e30,
-                                           std::numeric_limits<double>::infinity(),
-                                           std::numeric_limits<double>::quiet_NaN(),
-                                           65536.0};
+constexpr double INF = std::numeric_limits<double>::infinity();
+const std::vector<double> HOSTILE_REALS = {
+    0.0, -1.0, 1e-30, 1e30, -1e30, INF, -INF, std::numeric_limits<double>::quiet_NaN(), 65536.0};
 
 // Screen tiles read their pixels from this buffer, large enough for any
 // tile that passes the checks with one field at an extreme and the others
