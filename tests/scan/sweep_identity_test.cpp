@@ -180,11 +180,12 @@ TEST(SweepIdentity, RecorderCallsMatchTheReference) {
                                   regionPieces(&reference.scan, reference.clip.current)),
                   "")
             << "region " << c.text();
-        ASSERT_EQ(engine.clip.current.isRect, reference.clip.current.isRect) << c.text();
-        ASSERT_EQ(engine.clip.current.intBox.minX, reference.clip.current.intBox.minX) << c.text();
-        ASSERT_EQ(engine.clip.current.intBox.maxX, reference.clip.current.intBox.maxX) << c.text();
-        ASSERT_EQ(engine.clip.current.intBox.minY, reference.clip.current.intBox.minY) << c.text();
-        ASSERT_EQ(engine.clip.current.intBox.maxY, reference.clip.current.intBox.maxY) << c.text();
+        const ClipRegion& a = engine.clip.current;
+        const ClipRegion& b = reference.clip.current;
+        ASSERT_TRUE(a.isRect == b.isRect && a.intBox.minX == b.intBox.minX &&
+                    a.intBox.maxX == b.intBox.maxX && a.intBox.minY == b.intBox.minY &&
+                    a.intBox.maxY == b.intBox.maxY)
+            << "region shape " << c.text();
         const std::string d = firstDifference(got.calls, want.calls);
         ASSERT_EQ(d, "") << c.text();
         calls += static_cast<int64_t>(got.calls.size());

@@ -4,7 +4,7 @@
 // holds there), and the public raster helper never reads outside a row,
 // whatever its marks hold.
 // Placing and decoding bands is checked against played pages (the
-// next_band_picture, tall_bands and rendered_fill tests), and the helper
+// next_band_picture, rendered_fill and placement oracle tests), and the helper
 // against the engine's deliveries wherever a test reads a 32-bit raster
 // (support/page_fixture).
 #include "page_picture.h"
