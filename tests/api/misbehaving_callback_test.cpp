@@ -1,8 +1,9 @@
-// A driver callback that misbehaves never breaks the engine: one that asks
-// for a restart on every call gets the page at most twice, answers that are
-// not the restart request count as "go on", stream calls ignore the answer,
-// and the engine stays usable afterwards. Every delivered byte is read, so
-// the sanitizer build also checks that each delivery is as long as it says.
+// A driver callback that misbehaves never breaks the engine: answers that
+// are not the restart request count as "go on", stream calls ignore the
+// answer, and the engine stays usable afterwards. Every delivered byte is
+// read, so the sanitizer build also checks that each delivery is as long as
+// it says. Restart requests on every delivery and in both passes: the
+// golden job callback_restarts.
 #include "kryn/kryn.h"
 #include "kryn/platform.h"
 
@@ -44,14 +45,6 @@ struct Driver {
         return d->answers[d->next++ % d->answers.size()];
     }
     uintptr_t context() { return reinterpret_cast<uintptr_t>(this); }
-
-    size_t rasterCalls() const {
-        size_t n = 0;
-        for (const Call& c : calls) {
-            n += c.code >= CB_RASTER_BOX ? 1 : 0;
-        }
-        return n;
-    }
 };
 
 const int32_t IDENTITY[6] = {1, 0, 0, 1, 0, 0};
@@ -93,76 +86,32 @@ std::vector<Call> politeCalls(int16_t mode, uint16_t level, ColourValue colour =
 const int16_t MODES[] = {0, 1, 2, 3, 5, 9};
 const uint16_t LEVELS[] = {0, 0x8009};
 
-// Stream calls only, in page order (raster calls dropped).
-std::vector<Call> streamCalls(const std::vector<Call>& calls) {
-    std::vector<Call> out;
-    for (const Call& c : calls) {
-        if (c.code < CB_RASTER_BOX) {
-            out.push_back(c);
-        }
-    }
-    return out;
-}
-
 } // namespace
 
-// A driver that asks for a restart on every call gets each page at most
-// twice and its stream calls unchanged; garbage answers are taken as "go
-// on"; the engine then delivers the next page as to a polite driver.
-TEST(MisbehavingCallback, RestartsOnEveryCallAndGarbageAnswersChangeNothingElse) {
+// Garbage answers are taken as "go on": every mode delivers exactly what a
+// polite driver receives, and the engine frees everything.
+TEST(MisbehavingCallback, GarbageAnswersChangeNothing) {
     for (uint16_t level : LEVELS) {
         for (int16_t mode : MODES) {
             const std::string what =
                 "mode " + std::to_string(mode) + " level " + std::to_string(level);
             const uint64_t live = KRYNPlatformLiveBlocks();
             const std::vector<Call> polite = politeCalls(mode, level);
-            const size_t politeRasters = polite.size() - streamCalls(polite).size();
-            if (mode >= 2) {
-                ASSERT_GT(politeRasters, 0u) << what;
-            }
+            ASSERT_FALSE(polite.empty()) << what;
             Engine* e = KRYNInit(99, 149, 32, 600, level);
             ASSERT_NE(e, nullptr);
-            Driver pushy;
-            pushy.answers = {KRYN_CB_RESTART};
-            playPage(e, mode, pushy);
-            EXPECT_LE(pushy.rasterCalls(), 2 * politeRasters) << what;
-            EXPECT_GE(pushy.rasterCalls(), std::min<size_t>(politeRasters, 2)) << what;
-            EXPECT_EQ(streamCalls(pushy.calls), streamCalls(polite)) << what;
-            Driver pushyBlack;
-            pushyBlack.answers = {KRYN_CB_RESTART};
-            playPage(e, mode, pushyBlack, 0);
-            EXPECT_LE(pushyBlack.rasterCalls(), 2 * politeCalls(mode, level, 0).size()) << what;
             Driver garbage;
             garbage.answers = {
                 0xDEADBEEF,          1,     0xFFFFFFFF, KRYN_CB_RESTART | 1, 0x7FFFFFFF,
                 KRYN_CB_RESTART - 1, 0xFF02};
             playPage(e, mode, garbage);
             EXPECT_EQ(garbage.calls, polite) << what;
+            Driver black; // typed rasters, whose answers are examined
+            black.answers = garbage.answers;
+            playPage(e, mode, black, 0);
+            EXPECT_EQ(black.calls, politeCalls(mode, level, 0)) << what;
             KRYNEnd(e);
             EXPECT_EQ(KRYNPlatformLiveBlocks(), live) << what;
         }
     }
-}
-
-TEST(MisbehavingCallback, RestartRequestsInBothPassesEndThePlaybackQuietly) {
-    // Restart on the last band of the first pass and on the first band of
-    // the second: the second request ends the playback; the page is still
-    // freed and the next page is delivered whole.
-    const uint64_t live = KRYNPlatformLiveBlocks();
-    const std::vector<Call> polite = politeCalls(3, 0x8009, 0);
-    ASSERT_EQ(polite.size(), 4u);
-    ASSERT_EQ(polite.back().code, CB_RASTER_DIRECT);
-    Engine* e = KRYNInit(99, 149, 32, 600, 0x8009);
-    Driver driver;
-    driver.answers.assign(polite.size(), 0);
-    driver.answers.back() = KRYN_CB_RESTART;
-    driver.answers.push_back(KRYN_CB_RESTART);
-    driver.answers.resize(3 * polite.size(), 0);
-    playPage(e, 3, driver, 0);
-    EXPECT_EQ(driver.calls.size(), polite.size() + 1);
-    Driver after;
-    playPage(e, 3, after, 0);
-    EXPECT_EQ(after.calls, polite);
-    KRYNEnd(e);
-    EXPECT_EQ(KRYNPlatformLiveBlocks(), live);
 }

@@ -1,10 +1,9 @@
-// Matrix kinds, the per-kind point operations and inverses, and when a page's
-// orientation is established. What the setters do to paths is pinned by the
-// golden job path_state.
+// Matrix kinds, the per-kind point operations and inverses. When a page's
+// orientation is established, and what the setters do to paths, is pinned
+// by the golden jobs orientation_rules and path_state.
 #include "engine/graphics_state.h"
 #include "geometry/transform.h"
 #include "geometry/transform_setters.h"
-#include "support/engine_fixture.h"
 
 #include <gtest/gtest.h>
 
@@ -74,33 +73,6 @@ TEST(TransformKinds, InverseTimesMatrixIsIdentity) {
             EXPECT_NEAR(product[i], identity[i], 1e-5) << "kind " << k.kind << " element " << i;
         }
     }
-}
-
-class TransformSetters : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        engine = makeEngine(999, 999, 64);
-        ASSERT_EQ(KRYNNewPage(3, e()), KRYN_OK);
-    }
-    Engine* e() { return engine.get(); }
-    EnginePtr engine;
-};
-
-// A scale matrix leaves the orientation open; the first right-angle matrix
-// of a page establishes it, and later ones do not change it.
-TEST_F(TransformSetters, OrientationIsEstablishedOncePerPage) {
-    const int32_t scale[6] = {2, 0, 0, 2, 0, 0};
-    ASSERT_EQ(KRYNSetMatrix(scale, e()), KRYN_OK);
-    EXPECT_EQ(pageOf(e())->pageQuarterTurns, -1);
-    const int32_t turn[6] = {0, 1, -1, 0, 100, 0};
-    ASSERT_EQ(KRYNSetMatrix(turn, e()), KRYN_OK);
-    EXPECT_EQ(pageOf(e())->pageQuarterTurns, 1);
-    const int32_t identity[6] = {1, 0, 0, 1, 0, 0};
-    ASSERT_EQ(KRYNSetMatrix(identity, e()), KRYN_OK);
-    EXPECT_EQ(pageOf(e())->pageQuarterTurns, 1);
-    ASSERT_EQ(KRYNDisposePage(e()), KRYN_OK);
-    ASSERT_EQ(KRYNNewPage(3, e()), KRYN_OK);
-    EXPECT_EQ(pageOf(e())->pageQuarterTurns, -1);
 }
 
 } // namespace

@@ -24,7 +24,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdio>
 #include <random>
 #include <sstream>
 #include <string>
@@ -78,26 +77,11 @@ Case randomCase(uint32_t seed) {
                        : (c.grey ? greyFormats[rng() % 4] : colourFormats[rng() % 4]);
     c.w = 1 + int32_t(rng() % 24);
     c.h = 1 + int32_t(rng() % 24);
-    int32_t bits = int32_t(c.format); // 1 and 4
-    switch (c.format) {
-    case 24:
-    case 124:
-        bits = 32;
-        break;
-    case 254:
-        bits = 16;
-        break;
-    case 8:
-    case 108:
-    case 255:
-        bits = 8;
-        break;
-    case 104:
-        bits = 4;
-        break;
-    default:
-        break;
-    }
+    const int32_t bits = c.format == 24 || c.format == 124 ? 32
+                         : c.format == 254                 ? 16
+                         : c.format == 104                 ? 4
+                         : c.format <= 4                   ? int32_t(c.format)
+                                                           : 8;
     c.stride = (c.w * bits + 7) / 8 + int32_t(rng() % 3);
     c.data.resize(size_t(c.stride) * size_t(c.h));
     for (uint8_t& b : c.data) {
@@ -145,20 +129,11 @@ Case randomCase(uint32_t seed) {
 
 std::string hex(const std::vector<uint8_t>& bytes) {
     std::string s;
-    char b[3];
     for (uint8_t v : bytes) {
-        std::snprintf(b, sizeof b, "%02X", v);
-        s += b;
+        s += "0123456789ABCDEF"[v >> 4];
+        s += "0123456789ABCDEF"[v & 15];
     }
     return s;
-}
-
-std::string array(const std::vector<uint32_t>& values) {
-    std::string s = "[";
-    for (uint32_t v : values) {
-        s += std::to_string(v) + " ";
-    }
-    return s + "]";
 }
 
 // Page 1 places the image; page 2 fills the same rectangle in black.
@@ -194,9 +169,13 @@ std::string script(const Case& c) {
             }
         }
         if (c.format == 1) {
-            s << "SetImageTable 2 " << array({c.back, c.fore}) << " 0\n";
+            s << "SetImageTable 2 [" << c.back << ' ' << c.fore << "] 0\n";
         } else if (c.format == 4 || c.format == 8 || c.format == 104 || c.format == 108) {
-            s << "SetImageTable " << c.table.size() << ' ' << array(c.table) << " 0\n";
+            s << "SetImageTable " << c.table.size() << " [";
+            for (uint32_t v : c.table) {
+                s << v << ' ';
+            }
+            s << "] 0\n";
         }
         s << "PutImage {" << c.w << ' ' << c.h << ' ' << c.stride << ' ' << c.format
           << " hex:" << hex(c.data) << "} " << c.x << ' ' << c.y << ' ' << c.width << ' '
@@ -335,17 +314,14 @@ Expected expectedAt(const Case& c, int32_t X, int32_t Y, bool covered) {
     return e;
 }
 
-struct Played {
+// The two pages of the case's script.
+std::vector<PagePicture> play(const Case& c) {
     std::vector<PagePicture> pages;
-};
-
-Played play(const Case& c) {
-    Played played;
     PagePicture picture(PAGE_W, PAGE_H, uint32_t(c.bandHeight));
     PlayerOptions options;
     options.onRaster = [&](const RasterDelivery& d) { picture.placeBand(d); };
     options.onPageClosed = [&] {
-        played.pages.push_back(picture);
+        pages.push_back(picture);
         picture = PagePicture(PAGE_W, PAGE_H, uint32_t(c.bandHeight));
     };
     std::istringstream text(script(c));
@@ -353,7 +329,7 @@ Played play(const Case& c) {
     const PlayResult result = player.run(text);
     EXPECT_EQ(result.status, 0) << result.message;
     EXPECT_EQ(result.failedCalls, 0u) << result.firstFailure;
-    return played;
+    return pages;
 }
 
 uint32_t pixelAt(const PagePicture& p, int32_t x, int32_t y) {
@@ -365,10 +341,10 @@ TEST(ImagePlacementOracle, EveryDevicePixelShowsTheSampleTheRulesGive) {
     int64_t paintedPixels = 0;
     for (uint32_t seed = 0; seed < 1000; ++seed) {
         const Case c = randomCase(seed);
-        const Played played = play(c);
-        ASSERT_EQ(played.pages.size(), 2u) << "seed " << seed;
-        const PagePicture& image = played.pages[0];
-        const PagePicture& cover = played.pages[1];
+        const std::vector<PagePicture> pages = play(c);
+        ASSERT_EQ(pages.size(), 2u) << "seed " << seed;
+        const PagePicture& image = pages[0];
+        const PagePicture& cover = pages[1];
         for (int32_t Y = 0; Y < PAGE_H; ++Y) {
             for (int32_t X = 0; X < PAGE_W; ++X) {
                 const bool covered = pixelAt(cover, X, Y) == 0;

@@ -1,18 +1,13 @@
-// The calls of masks and the image cache at their edges: what is refused
-// and who keeps a handed-over buffer then, the cache disabling itself when
-// memory runs out, its life across pages, and the record a placement makes.
+// The image cache disabling itself when memory runs out, its life across
+// pages, and the record a placement makes. What the mask and cache calls
+// refuse, and who keeps a handed-over buffer then: the golden job
+// mask_cache_calls.
 #include "support/engine_fixture.h"
 
 #include "displaylist/record_walk.h"
 #include "image/image_cache.h"
-#include "kryn/kryn.h"
-#include "kryn/platform.h"
 
 #include <gtest/gtest.h>
-
-#include <cstring>
-#include <string>
-#include <vector>
 
 namespace kryn::test {
 
@@ -28,106 +23,7 @@ EnginePtr pageEngine() {
     return e;
 }
 
-void* heapCopy(const void* bytes, size_t n) {
-    void* block = GlobalAlloc(GMEM_FIXED, n);
-    std::memcpy(block, bytes, n);
-    return block;
-}
-
 } // namespace
-
-// Ownership 1: a refused call leaves the buffer with the caller; every
-// other answer leaves it with the engine, freed exactly once (by the page
-// end at the latest). The live-block count shows where it is.
-TEST(MaskCalls, AHandedOverBufferIsReleasedOnceOnEveryPath) {
-    struct Case {
-        const char* what;
-        ImageDesc mask;
-        int32_t x;
-        int32_t scale; // matrix scale
-        ResultCode answer;
-        bool callerKeeps;
-    };
-    const Case cases[] = {
-        {"width 0", {nullptr, 0, 8, 1, 1}, 10, 1, KRYN_ERR_INVALID, true},
-        {"height -1", {nullptr, 8, -1, 1, 1}, 10, 1, KRYN_ERR_INVALID, true},
-        {"stride 0", {nullptr, 8, 8, 0, 1}, 10, 1, KRYN_ERR_INVALID, true},
-        {"stride short of a row", {nullptr, 17, 8, 2, 1}, 10, 1, KRYN_ERR_INVALID, true},
-        {"format 8", {nullptr, 8, 8, 1, 8}, 10, 1, KRYN_ERR_INVALID, true},
-        {"outside the clip", {nullptr, 8, 8, 1, 1}, 5000, 1, KRYN_OK, false},
-        {"a sample too large", {nullptr, 8, 8, 1, 1}, 0, 70000, KRYN_ERR_NO_MEMORY, false},
-        {"painted", {nullptr, 8, 8, 1, 1}, 10, 1, KRYN_OK, false},
-        {"painted from a turned copy", {nullptr, 8, 8, 1, 1}, 10, -1, KRYN_OK, false},
-    };
-    for (const Case& c : cases) {
-        const uint64_t live = KRYNPlatformLiveBlocks();
-        {
-            EnginePtr e = pageEngine();
-            const int32_t m[6] = {c.scale, 0, 0, c.scale, 100, 100};
-            ASSERT_EQ(KRYNSetMatrix(m, e.get()), KRYN_OK);
-            const uint64_t before = KRYNPlatformLiveBlocks();
-            ImageDesc mask = c.mask;
-            mask.samples = heapCopy(GLYPH, sizeof GLYPH);
-            EXPECT_EQ(KRYNPutImageMask(&mask, c.x, 0, 1, e.get()), c.answer) << c.what;
-            if (c.callerKeeps) {
-                EXPECT_EQ(KRYNPlatformLiveBlocks(), before + 1) << c.what;
-                GlobalFree(mask.samples);
-            }
-            EXPECT_EQ(KRYNClosePage(nullptr, 0, e.get()), KRYN_OK);
-        }
-        EXPECT_EQ(KRYNPlatformLiveBlocks(), live) << c.what;
-    }
-    EnginePtr e = pageEngine();
-    EXPECT_EQ(KRYNPutImageMask(nullptr, 0, 0, 1, e.get()), KRYN_ERR_INVALID);
-    ImageDesc noSamples{nullptr, 8, 8, 1, 1};
-    EXPECT_EQ(KRYNPutImageMask(&noSamples, 0, 0, 1, e.get()), KRYN_ERR_INVALID);
-}
-
-TEST(ImageCacheCalls, RefusesWhatItCannotStoreOrPlace) {
-    EnginePtr engine = makeEngine(199, 149, 16);
-    Engine* e = engine.get();
-    const std::vector<uint8_t> big(31 * 248, 0xFF);
-    EXPECT_EQ(KRYNSetImageCache(1, 8, 8, 0, GLYPH, 0, e), KRYN_ERR_INVALID) << "no page";
-    EXPECT_EQ(KRYNClearImageCache(31, e), KRYN_OK) << "a slot in range, nothing stored";
-    ASSERT_EQ(KRYNNewPage(3, e), KRYN_OK);
-    ASSERT_EQ(KRYNSetMatrix(IDENTITY, e), KRYN_OK);
-    struct Store {
-        int16_t width, height;
-        const uint8_t* bitmap;
-        uint16_t slot;
-        ResultCode answer;
-    };
-    const Store stores[] = {
-        {248, 248, big.data(), 0, KRYN_OK},
-        {249, 1, big.data(), 1, KRYN_ERR_INVALID},
-        {1, 249, big.data(), 1, KRYN_ERR_INVALID},
-        {-1, 8, GLYPH, 1, KRYN_ERR_INVALID},
-        {8, -32768, GLYPH, 1, KRYN_ERR_INVALID},
-        {8, 8, nullptr, 1, KRYN_ERR_INVALID},
-        {8, 8, GLYPH, 32, KRYN_ERR_INVALID},
-        {8, 8, GLYPH, 65535, KRYN_ERR_INVALID},
-        {0, 0, GLYPH, 2, KRYN_OK},
-        {8, 8, GLYPH, 31, KRYN_OK},
-    };
-    for (const Store& s : stores) {
-        EXPECT_EQ(KRYNSetImageCache(7, s.width, s.height, 0, s.bitmap, s.slot, e), s.answer)
-            << s.width << " x " << s.height << " in slot " << s.slot;
-    }
-    EXPECT_EQ(KRYNSetImageCacheInfo(64, e), KRYN_OK);
-    EXPECT_EQ(KRYNSetImageCache(7, 8, 8, 0, GLYPH, 40, e), KRYN_ERR_INVALID)
-        << "the slot count is fixed once something is stored";
-    EXPECT_EQ(KRYNPutImageCache(10, 10, 1, e), KRYN_ERR_INVALID) << "never stored";
-    EXPECT_EQ(KRYNPutImageCache(10, 10, 32, e), KRYN_ERR_INVALID) << "out of range";
-    EXPECT_EQ(KRYNPutImageCache(10, 10, 2, e), KRYN_OK) << "an empty entry paints nothing";
-    EXPECT_EQ(KRYNPutImageCache(10, 10, 31, e), KRYN_OK);
-    EXPECT_EQ(KRYNClearImageCache(31, e), KRYN_OK);
-    EXPECT_EQ(KRYNClearImageCache(32, e), KRYN_ERR_INVALID);
-    EXPECT_EQ(KRYNPutImageCache(10, 10, 31, e), KRYN_ERR_INVALID) << "cleared";
-    EXPECT_EQ(KRYNSetImageCache(7, 8, 8, 0, GLYPH, 31, e), KRYN_OK);
-    EXPECT_EQ(KRYNPutImageCache(10, 10, 31, e), KRYN_OK) << "stored again after the clear";
-    EXPECT_EQ(KRYNDisposePage(e), KRYN_OK);
-    EXPECT_EQ(KRYNPutImageCache(10, 10, 31, e), KRYN_ERR_INVALID) << "no page";
-}
 
 // The table cannot be made: disabled until KRYNSetImageCacheInfo. An entry
 // cannot be made: disabled for good, while what is stored still paints.

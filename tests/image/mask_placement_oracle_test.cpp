@@ -7,12 +7,10 @@
 // bitmap is a unit square mapped to the device, and the pixels whose
 // sample points it holds (by the page's pixel rule) are painted when the
 // clip admits them.
+#include "page_picture.h"
+
 #include "support/engine_fixture.h"
 #include "support/fill_oracle.h"
-
-#include "kryn/kryn.h"
-#include "kryn/kryn_raster.h"
-#include "kryn/platform.h"
 
 #include <gtest/gtest.h>
 
@@ -109,35 +107,18 @@ struct Reference {
     }
 };
 
-// The page as delivered (grey bands, or 32-bit bands with their run marks
-// expanded, read by their first channel) at its rows; undelivered bands
-// stay white.
-std::vector<uint8_t> deliveredPage(const CallbackLog& log, bool colour) {
-    std::vector<uint8_t> page(size_t(W * H), 0xFF);
+// The page as delivered (32-bit rasters decoded as a device reads them) by
+// its first channel; undelivered bands stay white.
+std::vector<uint8_t> deliveredPage(const CallbackLog& log) {
+    script::PagePicture picture(W, H, BAND);
     for (const Delivery& d : log.calls) {
-        if (d.code < CB_RASTER_BOX || d.data.empty()) {
-            continue;
+        if (d.code >= CB_RASTER_BOX) {
+            picture.placeBand({d.code, d.band, d.data.data(), d.bytes, &d.rect});
         }
-        const bool words = colour && d.code != CB_RASTER_DIRECT;
-        const size_t stride = d.data.size() / size_t(BAND);
-        for (int32_t r = 0; r < BAND; ++r) {
-            const int32_t y = int32_t(d.band) * BAND + r;
-            if (y >= H) {
-                continue;
-            }
-            const uint8_t* row = &d.data[size_t(r) * stride];
-            if (!words) {
-                std::memcpy(&page[size_t(y * W)], row, size_t(W));
-                continue;
-            }
-            std::vector<uint32_t> in(stride / 4);
-            std::vector<uint32_t> out(static_cast<size_t>(W));
-            std::memcpy(in.data(), row, stride);
-            krynExpandRow(in.data(), uint32_t(in.size()), out.data(), uint32_t(W));
-            for (int32_t x = 0; x < W; ++x) {
-                page[size_t(y * W + x)] = uint8_t(out[size_t(x)]);
-            }
-        }
+    }
+    std::vector<uint8_t> page(size_t(W * H));
+    for (size_t i = 0; i < page.size(); ++i) {
+        page[i] = picture.rgb()[3 * i];
     }
     return page;
 }
@@ -279,7 +260,7 @@ void playRandomPage(uint32_t seed) {
     }
     CallbackLog log;
     ASSERT_EQ(KRYNClosePage(CallbackLog::callback, log.context(), e), KRYN_OK);
-    const std::vector<uint8_t> got = deliveredPage(log, colour);
+    const std::vector<uint8_t> got = deliveredPage(log);
     int wrong = 0;
     for (int32_t y = 0; y < H && wrong < 8; ++y) {
         for (int32_t x = 0; x < W && wrong < 8; ++x) {

@@ -5,10 +5,8 @@
 // released exactly once (by the caller after KRYN_ERR_INVALID, by the
 // engine otherwise), no call makes more than a handful of allocations, and
 // the page still plays (or is sent) afterwards.
-#include "engine/engine.h"
-#include "engine/page_record.h"
-#include "kryn/kryn.h"
-#include "kryn/platform.h"
+#include "support/engine_fixture.h"
+
 #include "render/renderer_lists.h"
 
 #include <gtest/gtest.h>
@@ -20,15 +18,10 @@
 
 namespace {
 
-constexpr size_t BUFFER_BYTES = 4096;
+using kryn::test::CallbackLog;
+using kryn::test::documented;
 
-uint32_t countRasters(uint32_t code, uint32_t, const void*, uint32_t, uintptr_t context,
-                      const RasterRect*) {
-    if (code == CB_RASTER_BOX || (code >= CB_RASTER_STANDARD && code <= CB_RASTER_DIRECT)) {
-        ++*reinterpret_cast<int*>(context);
-    }
-    return 0;
-}
+constexpr size_t BUFFER_BYTES = 4096;
 
 void* samples(size_t bytes = BUFFER_BYTES) {
     void* p = GlobalAlloc(GMEM_FIXED, bytes);
@@ -56,18 +49,13 @@ struct Page {
         return r;
     }
     ~Page() {
-        int rasters = 0;
-        EXPECT_EQ(KRYNNextBand(1, &countRasters, reinterpret_cast<uintptr_t>(&rasters), e),
-                  KRYN_OK);
-        EXPECT_EQ(KRYNClosePage(&countRasters, reinterpret_cast<uintptr_t>(&rasters), e), KRYN_OK);
+        CallbackLog log;
+        EXPECT_EQ(KRYNNextBand(1, &CallbackLog::callback, log.context(), e), KRYN_OK);
+        EXPECT_EQ(KRYNClosePage(&CallbackLog::callback, log.context(), e), KRYN_OK);
         KRYNEnd(e);
     }
     Engine* e = nullptr;
 };
-
-bool documented(ResultCode r) {
-    return r == KRYN_OK || r == KRYN_ERR_NO_MEMORY || r == KRYN_ERR_INVALID;
-}
 
 TEST(PutImageHostile, DescriptionsAreRefusedBeforeTheirSamplesAreRead) {
     const uint64_t live = KRYNPlatformLiveBlocks();

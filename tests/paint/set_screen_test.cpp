@@ -1,7 +1,7 @@
-// KRYNSetScreen through the exported call: refusals leave everything as it
+// KRYNSetScreen under failed memory: a refused call leaves everything as it
 // was (the screen, the identifier, the registry and the renderer and device
-// definitions), also when an allocation fails. Identifiers, definitions,
-// turned and scaled tiles and the graphics-state stack are pinned by the
+// definitions). Refused tiles: the golden job screen_refusals; identifiers,
+// definitions, turned and scaled tiles and the graphics-state stack: the
 // golden jobs screen_stream, screen_bits and screen_patterns.
 #include "paint/screen_list.h"
 
@@ -63,63 +63,6 @@ struct ScreenSnapshot {
                entries == o.entries && rendererTiles == o.rendererTiles && downloads == o.downloads;
     }
 };
-
-class SetScreen : public ::testing::Test {
-  protected:
-    void open(int16_t mode = 5, bool grey = false) {
-        engine_ = makeEngine(99, 99, 16);
-        ASSERT_NE(engine_, nullptr);
-        ASSERT_EQ(KRYNNewPage(mode, e()), KRYN_OK);
-        if (grey) {
-            ASSERT_EQ(KRYNSelectSpace(1, e()), KRYN_OK);
-        }
-        ASSERT_EQ(KRYNSetMatrix(IDENTITY, e()), KRYN_OK);
-    }
-    Engine* e() { return engine_.get(); }
-    ResultCode set(const ScreenTile& t, uint16_t opaque = 1) {
-        return KRYNSetScreen(&t, opaque, e());
-    }
-    uint32_t id() { return openPage(e())->paint.screenId; }
-    EnginePtr engine_;
-};
-
-TEST_F(SetScreen, RefusalsChangeNothing) {
-    open();
-    ASSERT_EQ(set(tileOf(CELL8, 8, 8, 1), 0), KRYN_OK);
-    const ScreenSnapshot before = ScreenSnapshot::of(e());
-    const struct {
-        ScreenTile tile;
-        ResultCode result;
-        const char* what;
-    } cases[] = {
-        {tileOf(CELL8, 8, 0, 1), KRYN_ERR_INVALID, "height 0"},
-        {tileOf(CELL8, 8, 4097, 1), KRYN_ERR_INVALID, "height 4097"},
-        {tileOf(CELL8, 4097, 8, 1), KRYN_ERR_INVALID, "width 4097"},
-        {tileOf(CELL8, -1, 8, 1), KRYN_ERR_INVALID, "negative width"},
-        {tileOf(CELL8, 8, 8, 1, 0), KRYN_ERR_INVALID, "bytesPerRow 0"},
-        {tileOf(CELL8, 8, 1, 8), KRYN_ERR_INVALID, "8-bit on a colour page"},
-        {tileOf(CELL8, 2, 1, 124), KRYN_ERR_INVALID, "alpha tile without blending"},
-        {tileOf(CELL8, 2, 1, 254), KRYN_ERR_INVALID, "two-byte tile without blending"},
-        {tileOf(CELL8, 2, 1, 32), KRYN_ERR_INVALID, "unknown depth"},
-        {tileOf(nullptr, 8, 8, 1), KRYN_ERR_INVALID, "null data"},
-        {tileOf(CELL8, 2049, 1, 1), KRYN_ERR_INVALID, "widened row above 65535 pixels"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(set(c.tile), c.result) << c.what;
-        EXPECT_TRUE(ScreenSnapshot::of(e()) == before) << c.what;
-    }
-    // A 30-degree rotation cannot turn a tile: the previous screen stays.
-    const int32_t rotated[6] = {866, 500, -500, 866, 0, 0};
-    ASSERT_EQ(KRYNSetMatrix(rotated, e()), KRYN_OK);
-    EXPECT_EQ(set(tileOf(OTHER8, 8, 8, 1)), KRYN_ERR_NO_MEMORY);
-    EXPECT_EQ(set(tileOf(COLOUR2, 2, 1, 24)), KRYN_ERR_NO_MEMORY);
-    EXPECT_TRUE(ScreenSnapshot::of(e()) == before);
-    // No page, no engine.
-    ASSERT_EQ(KRYNDisposePage(e()), KRYN_OK);
-    EXPECT_EQ(set(tileOf(CELL8, 8, 8, 1)), KRYN_ERR_INVALID);
-    const ScreenTile t = tileOf(CELL8, 8, 8, 1);
-    EXPECT_EQ(KRYNSetScreen(&t, 1, nullptr), KRYN_ERR_INVALID);
-}
 
 // Every allocation of a screened page failing in turn: a refused screen
 // call changes nothing, and everything is freed.

@@ -1,6 +1,8 @@
 // State records the band variants understand (their sizes, or 0 for a
 // record the variant passes over), and playback that passes over records
-// the renderers cannot paint and malformed records without harm.
+// the renderers cannot paint and malformed records without harm, and
+// images in monochrome bands. Delivery codes: the golden jobs
+// typed_delivery, host_delivery, host_bands and page_modes.
 #include "support/page_fixture.h"
 
 #include "engine/memory.h"
@@ -86,6 +88,15 @@ TEST_F(RobustPlayback, UnpaintableAndMalformedRecordsArePassedOver) {
     EXPECT_EQ(band1.at(60, 15), 0u);
     EXPECT_EQ(band1.at(63, 15), 0u); // clipped at the raster's last column
     EXPECT_EQ(band1.at(0, 0), 0xFFu);
+}
+
+// A band that only an image record would paint, monochrome, is not delivered.
+TEST_F(RobustPlayback, MonochromeBandsSkipImages) {
+    static const uint8_t samples[4] = {};
+    open(5, 0x8008);
+    ASSERT_EQ(writeImage(list(0), 0x40, 0, {0, 0}, 1, 1, {samples, 1, 1, 4}, res()), KRYN_OK);
+    ASSERT_EQ(close(), KRYN_OK);
+    EXPECT_TRUE(log_.calls.empty());
 }
 
 } // namespace

@@ -1,11 +1,9 @@
-// Clip regions outside the page and the base rectangle of band-group and
-// mode-3 pages. Replacing, pushing, popping and void-pushing regions, and
-// regions inherited by pushed graphics states, are pinned by the golden job
-// clip_calls; fills under random clips by the oracle tests.
-#include "kryn/platform.h"
+// The base rectangle of band-group and mode-3 pages. Replacing, pushing,
+// popping and void-pushing regions, and regions inherited by pushed
+// graphics states, are pinned by the golden jobs clip_calls and
+// clip_outside_page; fills under random clips by the oracle tests.
 #include "scan_harness.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace kryn::test {
@@ -27,21 +25,6 @@ PixelCounts fillPage(ScanPage& page) {
 
 std::vector<uint8_t> pixelsOf(const OraclePolygon& p, int32_t q) {
     return oracleFill({p}, 0, q, {0, W, 0, H});
-}
-
-TEST(ClipStack, RegionOutsideThePageIsEmpty) {
-    ScanPage page(W, H, 3);
-    ASSERT_TRUE(page.ok);
-    ASSERT_EQ(clipPolygons(page, {rect(3, 3, 9, 9)}, 0), KRYN_OK);
-    ASSERT_EQ(pushClip(&page.clip), KRYN_OK);
-    ASSERT_EQ(clipPolygons(page, {rect(W + 10, 0, W + 20, 5)}, 0), KRYN_OK);
-    PixelCounts none = fillPage(page);
-    EXPECT_EQ(std::count(none.hits.begin(), none.hits.end(), 1), 0);
-    EXPECT_EQ(popClip(&page.clip), KRYN_OK); // empty region owns nothing: no effect
-    const PixelCounts stillNone = fillPage(page);
-    EXPECT_EQ(std::count(stillNone.hits.begin(), stillNone.hits.end(), 1), 0);
-    ASSERT_EQ(resetClip(&page.clip, &page.scan, *page.base, page.page), KRYN_OK);
-    EXPECT_EQ(fillPage(page).hits, pixelsOf(rect(0, 0, W, H), 3));
 }
 
 // The base rectangle and the reset region: in band-group modes the current

@@ -1,5 +1,5 @@
 // Test harness for scan conversion: a recorder that counts how often every
-// pixel is painted, and a page-like owner of the scan state, clip stack and
+// pixel is painted and logs every call, and a page-like owner of the scan state, clip stack and
 // base clip.
 #pragma once
 
@@ -20,6 +20,7 @@ struct PixelCounts {
     int64_t outside = 0; // pieces reaching beyond the bounds
     int64_t bandCalls = 0, rectCalls = 0, spanCalls = 0;
     int64_t failAfterCalls = -1; // recorder answers NO_MEMORY after this many calls
+    std::vector<int64_t> calls;  // every call with its arguments, in order
 
     explicit PixelCounts(const OracleBounds& b)
         : bounds(b), hits(static_cast<size_t>(b.width()) * b.height(), 0) {}
@@ -52,12 +53,14 @@ struct PixelCounts {
         r.span = [](void* ctx, int32_t x0, int32_t x1, int32_t y) -> ResultCode {
             auto* self = static_cast<PixelCounts*>(ctx);
             ++self->spanCalls;
+            self->calls.insert(self->calls.end(), {1, x0, x1, y});
             const ResultCode c = self->call();
             return c != KRYN_OK ? c : self->paint(x0, x1, y);
         };
         r.rect = [](void* ctx, int32_t x0, int32_t x1, int32_t y0, int32_t y1) -> ResultCode {
             auto* self = static_cast<PixelCounts*>(ctx);
             ++self->rectCalls;
+            self->calls.insert(self->calls.end(), {2, x0, x1, y0, y1});
             const ResultCode c = self->call();
             if (c != KRYN_OK) {
                 return c;
@@ -72,9 +75,11 @@ struct PixelCounts {
         };
         if (bandSpans) {
             r.bandRowSpans = [](void* ctx, int32_t first, int32_t count, const uint16_t* pairs,
-                                int32_t) -> ResultCode {
+                                int32_t allEqual) -> ResultCode {
                 auto* self = static_cast<PixelCounts*>(ctx);
                 ++self->bandCalls;
+                self->calls.insert(self->calls.end(), {3, first, count, allEqual});
+                self->calls.insert(self->calls.end(), pairs, pairs + 2 * count);
                 const ResultCode c = self->call();
                 if (c != KRYN_OK) {
                     return c;
@@ -118,48 +123,50 @@ struct ScanPage {
     bool ok = false;
 };
 
-// Polygons in sixteenths handed over as 16.16 fixed points.
-struct FixedPolygons {
-    std::vector<std::vector<FixedPoint>> points;
+// Polygons in sixteenths handed over as 16.16 fixed points, or as floats
+// (which hold sixteenths exactly).
+struct Polylines {
+    std::vector<std::vector<FixedPoint>> fixed;
+    std::vector<std::vector<FloatPoint>> floats;
     std::vector<Polyline> lines;
+    int32_t records = 0; // the edge table is bucketed from 40 on
 
-    explicit FixedPolygons(const std::vector<OraclePolygon>& polys) {
+    explicit Polylines(const std::vector<OraclePolygon>& polys, bool asFloat = false) {
         for (const OraclePolygon& p : polys) {
-            std::vector<FixedPoint> v;
+            fixed.emplace_back();
+            floats.emplace_back();
             for (const OraclePoint& q : p) {
-                v.push_back({static_cast<int32_t>(q.x * 4096), static_cast<int32_t>(q.y * 4096)});
+                if (asFloat) {
+                    floats.back().push_back({static_cast<float>(static_cast<double>(q.x) / 16),
+                                             static_cast<float>(static_cast<double>(q.y) / 16)});
+                } else {
+                    fixed.back().push_back(
+                        {static_cast<int32_t>(q.x * 4096), static_cast<int32_t>(q.y * 4096)});
+                }
             }
-            points.push_back(v);
         }
-        for (const auto& v : points) {
+        for (size_t i = 0; i < polys.size(); ++i) {
             Polyline l;
-            l.fixedPoints = v.data();
-            l.count = static_cast<int32_t>(v.size());
+            l.fixedPoints = asFloat ? nullptr : fixed[i].data();
+            l.floatPoints = asFloat ? floats[i].data() : nullptr;
+            l.count = static_cast<int32_t>(polys[i].size());
+            records += l.count;
             lines.push_back(l);
         }
     }
+    int32_t count() const { return static_cast<int32_t>(lines.size()); }
 };
 
 inline ScanFloatBox everywhere() {
     return {-1e30f, 1e30f, -1e30f, 1e30f};
 }
 
-// The edge table is bucketed when the figure has 40 points or more.
-inline int32_t recordCount(const std::vector<OraclePolygon>& polys) {
-    size_t n = 0;
-    for (const auto& p : polys) {
-        n += p.size();
-    }
-    return static_cast<int32_t>(n);
-}
-
 // Fills polygons (sixteenths, within 16.16 range) on the page with its
 // current clip.
 inline ResultCode fillPolygons(ScanPage& p, const std::vector<OraclePolygon>& polys, int32_t rule,
                                const SpanRecorder& rec) {
-    FixedPolygons f(polys);
-    ResultCode r = buildEdges(&p.scan, f.lines.data(), static_cast<int32_t>(f.lines.size()),
-                              recordCount(polys), everywhere());
+    const Polylines f(polys);
+    ResultCode r = buildEdges(&p.scan, f.lines.data(), f.count(), f.records, everywhere());
     if (r != KRYN_OK) {
         releaseEdges(&p.scan);
         return r;
@@ -168,9 +175,8 @@ inline ResultCode fillPolygons(ScanPage& p, const std::vector<OraclePolygon>& po
 }
 
 inline ResultCode clipPolygons(ScanPage& p, const std::vector<OraclePolygon>& polys, int32_t rule) {
-    FixedPolygons f(polys);
-    return clipWithPolylines(&p.clip, &p.scan, *p.base, f.lines.data(),
-                             static_cast<int32_t>(f.lines.size()), recordCount(polys), rule,
+    const Polylines f(polys);
+    return clipWithPolylines(&p.clip, &p.scan, *p.base, f.lines.data(), f.count(), f.records, rule,
                              p.page);
 }
 

@@ -37,6 +37,28 @@ std::vector<uint8_t> CallbackLog::streamBytes() const {
     return out;
 }
 
+void expectEnginePaints(Engine* e, const std::string& after) {
+    CallbackLog log;
+    uint16_t info[6];
+    if (KRYNGetPageInfo(info, e) == KRYN_OK) {
+        EXPECT_EQ(KRYNClosePage(CallbackLog::callback, log.context(), e), KRYN_OK) << after;
+    }
+    uint32_t width = 0, height = 0;
+    ASSERT_EQ(KRYNGetPageResource(&width, &height, e), KRYN_OK) << after;
+    ASSERT_EQ(KRYNNewPage(3, e), KRYN_OK) << after;
+    const int32_t identity[6] = {1, 0, 0, 1, 0, 0};
+    const ColourValue black = 0;
+    EXPECT_EQ(KRYNSetMatrix(identity, e), KRYN_OK) << after;
+    EXPECT_EQ(KRYNSetColor(&black, 0, e), KRYN_OK) << after;
+    EXPECT_EQ(KRYNSetLogicalFunc(0xF0, e), KRYN_OK) << after;
+    const auto side = [](uint32_t n) { return static_cast<int32_t>(std::min<uint32_t>(n, 8)); };
+    EXPECT_EQ(KRYNRectPath(0, 0, side(width), side(height), e), KRYN_OK) << after;
+    EXPECT_EQ(KRYNFill(FILL_NONZERO, e), KRYN_OK) << after;
+    log.rasterCalls = 0;
+    EXPECT_EQ(KRYNClosePage(CallbackLog::callback, log.context(), e), KRYN_OK) << after;
+    EXPECT_GT(log.rasterCalls, 0) << after << ": the engine no longer delivers a fill";
+}
+
 void recordBytes(Engine* e, int32_t band, const std::vector<uint8_t>& record,
                  uint32_t serialBytes) {
     PageRecord* page = openPage(e);

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace kryn::test {
@@ -52,6 +53,16 @@ struct CallbackLog {
 inline PageRecord* pageOf(Engine* e) {
     return openPage(e);
 }
+
+// The result codes the engine documents for its calls.
+inline bool documented(ResultCode r) {
+    return r == KRYN_OK || r == KRYN_ERR_NO_MEMORY || r == KRYN_ERR_INVALID ||
+           r == KRYN_ERR_NO_CURRENT_POINT || r == KRYN_ERR_GSTATE_UNDERFLOW;
+}
+
+// After whatever went before (`after` names it): a page left open closes,
+// and a new page takes a black rectangle and delivers it.
+void expectEnginePaints(Engine* e, const std::string& after);
 
 // Appends a hand-built record to a band's list (creating it) and commits it.
 void recordBytes(Engine* e, int32_t band, const std::vector<uint8_t>& record, uint32_t serialBytes);

@@ -1,5 +1,7 @@
 #include "support/job_sweep.h"
 
+#include "support/engine_fixture.h"
+
 #include "job_player.h"
 #include "kryn/kryn.h"
 #include "kryn/platform.h"
@@ -95,52 +97,11 @@ PlayedRun play(const std::string& path, std::function<bool(int, Engine*)> afterL
     return run;
 }
 
-struct FollowUpLog {
-    int rasters = 0;
-    static uint32_t callback(uint32_t code, uint32_t, const void*, uint32_t, uintptr_t context,
-                             const RasterRect*) {
-        if (code == CB_RASTER_BOX || (code >= CB_RASTER_STANDARD && code <= CB_RASTER_DIRECT)) {
-            ++reinterpret_cast<FollowUpLog*>(context)->rasters;
-        }
-        return 0;
-    }
-};
-
-// With memory back: the page the script left open closes, and a new page
-// takes a fill and delivers it.
-void followUp(Engine* e) {
-    FollowUpLog log;
-    const auto context = reinterpret_cast<uintptr_t>(&log);
-    uint16_t info[6];
-    if (KRYNGetPageInfo(info, e) == KRYN_OK) {
-        EXPECT_EQ(KRYNClosePage(&FollowUpLog::callback, context, e), KRYN_OK);
-    }
-    uint32_t width = 0, height = 0;
-    ASSERT_EQ(KRYNGetPageResource(&width, &height, e), KRYN_OK);
-    ASSERT_EQ(KRYNNewPage(3, e), KRYN_OK);
-    const int32_t identity[6] = {1, 0, 0, 1, 0, 0};
-    const ColourValue black = 0;
-    EXPECT_EQ(KRYNSetMatrix(identity, e), KRYN_OK);
-    EXPECT_EQ(KRYNSetColor(&black, 0, e), KRYN_OK);
-    EXPECT_EQ(KRYNSetLogicalFunc(0xF0, e), KRYN_OK);
-    const auto side = [](uint32_t n) { return static_cast<int32_t>(std::min<uint32_t>(n, 8)); };
-    EXPECT_EQ(KRYNRectPath(0, 0, side(width), side(height), e), KRYN_OK);
-    EXPECT_EQ(KRYNFill(FILL_NONZERO, e), KRYN_OK);
-    log.rasters = 0;
-    EXPECT_EQ(KRYNClosePage(&FollowUpLog::callback, context, e), KRYN_OK);
-    EXPECT_GT(log.rasters, 0) << "the follow-up fill was not delivered";
-}
-
 std::vector<uint64_t> sampledFailures(uint64_t allocations, uint64_t maxRuns) {
     std::vector<uint64_t> samples;
-    if (allocations <= maxRuns) {
-        for (uint64_t n = 0; n < allocations; ++n) {
-            samples.push_back(n);
-        }
-    } else {
-        for (uint64_t i = 0; i < maxRuns; ++i) {
-            samples.push_back(i * allocations / maxRuns);
-        }
+    const uint64_t runs = std::min(allocations, maxRuns);
+    for (uint64_t i = 0; i < runs; ++i) {
+        samples.push_back(i * allocations / runs);
     }
     return samples;
 }
@@ -208,7 +169,7 @@ JobSweepReport sweepJobScript(const std::string& path, uint64_t maxRuns) {
                     }
                     failing.lift();
                     if (engine != nullptr) {
-                        followUp(engine);
+                        expectEnginePaints(engine, "the follow-up");
                         followedUp = true;
                     }
                     return false;

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace kryn::test {
 
 namespace {
@@ -69,28 +72,11 @@ uint32_t recordWords(const uint32_t* w, size_t available, uint32_t colourSpace) 
     }
     case 0xC1:
         return 3;
-    case 0x87:
-    case 0x95:
-    case 0xA0:
-    case 0xA1:
-    case 0xA3:
-    case 0xA4:
-    case 0xA5:
-    case 0xA6:
-    case 0xA7:
-    case 0xA8:
-    case 0xA9:
-    case 0xAB:
-    case 0xAC:
-    case 0xAD:
-    case 0xAE:
-    case 0xB0:
-    case 0xBB:
-    case 0xBC:
-    case 0xC2:
-        return 1;
-    default:
-        return 0;
+    default: // one-word records, or an unknown head
+        static const uint8_t oneWord[] = {0x87, 0x95, 0xA0, 0xA1, 0xA3, 0xA4, 0xA5,
+                                          0xA6, 0xA7, 0xA8, 0xA9, 0xAB, 0xAC, 0xAD,
+                                          0xAE, 0xB0, 0xBB, 0xBC, 0xC2};
+        return std::find(std::begin(oneWord), std::end(oneWord), head) != std::end(oneWord) ? 1 : 0;
     }
 }
 

@@ -27,17 +27,25 @@ TEST(LineParser, RefusesMalformedText) {
     }
 }
 
-TEST(ByteData, XorshiftStreamMatchesItsDefinition) {
-    // Seed 1: 1 -> 0x00042021 -> ... ; the first byte is the low byte of the first state.
-    uint32_t state = 1;
-    state ^= state << 13;
-    state ^= state >> 17;
-    state ^= state << 5;
-    std::vector<uint8_t> bytes = xorshiftBytes(1, 3);
-    EXPECT_EQ(bytes[0], state & 0xFF);
-    EXPECT_EQ(state, 0x00042021u);
-    EXPECT_EQ(xorshiftBytes(0, 16), xorshiftBytes(1, 16)) << "seed 0 is taken as 1";
-    EXPECT_EQ(decodeByteData("seed:1:3", ByteDataSource{}), bytes);
+// Long seed:N:LEN streams are made in blocks from states computed ahead:
+// no byte may differ from the stream taken one step at a time.
+TEST(ByteData, SeedStreamsMatchTheirDefinitionByteForByte) {
+    for (uint32_t seed : {0u, 1u, 0x5EED1240u, 0xFFFFFFFFu}) {
+        for (size_t length : {size_t{0}, size_t{1}, size_t{4095}, size_t{4096}, size_t{4097},
+                              size_t{10001}, size_t{10002}, size_t{10003}, size_t{65539}}) {
+            const std::vector<uint8_t> made = xorshiftBytes(seed, length);
+            ASSERT_EQ(made.size(), length);
+            uint32_t state = seed == 0 ? 1 : seed; // seed 0 is taken as 1
+            for (size_t i = 0; i < length; ++i) {
+                state ^= state << 13;
+                state ^= state >> 17;
+                state ^= state << 5;
+                ASSERT_EQ(made[i], state & 0xFF)
+                    << "seed " << seed << " length " << length << " byte " << i;
+            }
+        }
+    }
+    EXPECT_EQ(decodeByteData("seed:7:3", ByteDataSource{}), xorshiftBytes(7, 3));
 }
 
 TEST(ByteData, ReadsFilesRelativeToTheScript) {

@@ -1,7 +1,6 @@
 // The staging stream: how chunks are cut into calls and checksummed.
 #include "support/engine_fixture.h"
 
-#include "transfer/serialiser.h"
 #include "transfer/stream_io.h"
 
 #include <gtest/gtest.h>
@@ -81,15 +80,6 @@ TEST_F(StreamTest, WordsAreBigEndianWhereverTheBufferBoundaryFalls) {
     ASSERT_EQ(log_.calls.size(), 3u);
     EXPECT_EQ(log_.calls[1].bytes, 2046u);
     EXPECT_EQ(log_.calls[2].data, (std::vector<uint8_t>{1, 2, 3, 4, 5, 6, 0, 0, 0, 0x15}));
-}
-
-TEST_F(StreamTest, BandHeaderChunkCarriesTheWidthArgument) {
-    sendBandHeader(CallbackLog::callback, log_.context(), 3, 4960, engine_->resources);
-    ASSERT_EQ(log_.calls.size(), 2u);
-    EXPECT_EQ(log_.calls[0].code, CB_STREAM_BEGIN);
-    EXPECT_EQ(log_.calls[0].band, 3u);
-    EXPECT_EQ(log_.calls[0].bytes, 8u);
-    EXPECT_EQ(log_.calls[1].data, (std::vector<uint8_t>{0x8C, 0, 0x13, 0x5F, 0, 0, 0, 0xFE}));
 }
 
 // KRYNEnd sends bytes still buffered as the end of a chunk.
