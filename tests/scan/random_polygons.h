@@ -133,8 +133,9 @@ class PolygonMaker {
             for (OraclePolygon& p : f) {
                 for (OraclePoint& q : p) {
                     if (pick(6) == 0) {
-                        const int64_t far = 16 * (huge && pick(2) ? 150000000 + pick(1000) * 150000
-                                                                  : 20000 + pick(5000));
+                        const int64_t far =
+                            int64_t{16} * (huge && pick(2) ? 150000000 + pick(1000) * 150000
+                                                           : 20000 + pick(5000));
                         (pick(2) ? q.x : q.y) = pick(2) ? far : -far;
                     }
                 }

@@ -179,7 +179,9 @@ void JobPlayer::init(const ScriptLine& line) {
     noteResult(line.number, "Init", engine_ == nullptr, "null");
     const int32_t height = f.scalar<int32_t>(1);
     const int32_t bandHeight = f.scalar<int16_t>(2);
-    bands_.bandCount = bandHeight > 0 && height >= 0 ? (height + bandHeight) / bandHeight : 0;
+    bands_.bandCount = bandHeight > 0 && height >= 0
+                           ? static_cast<int32_t>((int64_t{height} + bandHeight) / bandHeight)
+                           : 0;
     if (engine_ != nullptr && options_.onInit) {
         options_.onInit(static_cast<uint32_t>(f.scalar<int32_t>(0)) + 1,
                         static_cast<uint32_t>(f.scalar<int32_t>(1)) + 1,
