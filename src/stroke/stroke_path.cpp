@@ -40,6 +40,8 @@ class Stroker {
             FloatBox{clip.minX - static_cast<float>(reach), clip.maxX + static_cast<float>(reach),
                      clip.minY - static_cast<float>(reach), clip.maxY + static_cast<float>(reach)};
         solid_ = gs.dashCount == 0 || gs.dashArray == nullptr;
+        // A dash costs at most the rows of the clip it can reach.
+        clipRows_ = static_cast<double>(clip.maxY) - clip.minY + 2.0 * capReach + 1.0;
     }
 
     ResultCode subpath(const Subpath& sp) {
