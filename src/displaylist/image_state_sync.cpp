@@ -137,8 +137,8 @@ ResultCode syncBandForImage(PageRecord* page, BandEntry* band, DisplayList* list
     // would end the block at them, so serialised pages never get them.
     const bool host = pageMode(static_cast<int32_t>(page->mode)).hostRasters;
     const bool bitmap = host && kind != ImageRecordKind::OTHER;
-    ResultCode r = syncPhase(page, band, list, host && scaled && kind != ImageRecordKind::MASK,
-                             bitmap, phase);
+    ResultCode r =
+        syncPhase(page, band, list, host && scaled && kind != ImageRecordKind::MASK, bitmap, phase);
     if (r == KRYN_OK) {
         r = syncBandState(page, band, list);
     }

@@ -98,18 +98,16 @@ struct BlendBitsPaint : RowsPaint<BlendBitsPaint<Pixels, OPAQUE>> {
     using Pixel = typename Pixels::Pixel;
 
     BlendBitsPaint(const PaintState& state, const BitsBlend& plan)
-        : tile(state), one(blendInk(plan.alphaOne, slotColour(state, SLOT_PAINT))),
-          zero(blendInk(plan.alphaZero, slotColour(state, SLOT_PAINT_BACK))),
-          paintOne(plan.alphaOne != 0), paintZero(OPAQUE && plan.alphaZero != 0),
-          tag(state.tagGraphicsWord) {}
+        : tile(state), inks(plan, slotColour(state, SLOT_PAINT), slotColour(state, SLOT_PAINT_BACK),
+                            state.tagGraphicsWord) {}
 
     void paint(Pixel& d, bool bit) const {
         if (bit) {
-            if (paintOne) {
-                d = Pixels::blend(d, one, tag);
+            if (inks.paintOne) {
+                d = Pixels::blend(d, inks.one, inks.tag);
             }
-        } else if (paintZero) {
-            d = Pixels::blend(d, zero, tag);
+        } else if (inks.paintZero) {
+            d = Pixels::blend(d, inks.zero, inks.tag);
         }
     }
 
@@ -132,11 +130,7 @@ struct BlendBitsPaint : RowsPaint<BlendBitsPaint<Pixels, OPAQUE>> {
     }
 
     TileView tile;
-    BlendInk one;
-    BlendInk zero;
-    bool paintOne;
-    bool paintZero;
-    uint32_t tag;
+    BitsInks<OPAQUE> inks;
 };
 
 // A tile of samples: each pixel at the alpha its rule gives.

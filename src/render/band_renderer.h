@@ -36,7 +36,7 @@ struct BandRenderer {
     uint8_t* raster = nullptr;
     RendererTile* tileList = nullptr;
     const RendererColourTable* colourTableList = nullptr; // the page's, while it plays
-    uint32_t tagImageWord = 0; // tag values in the top byte
+    uint32_t tagImageWord = 0;                            // tag values in the top byte
     uint32_t tagGraphicsWord = 0;
     uint32_t tagBitmapWord = 0;
     uint32_t paperWord = 0; // tagGraphicsWord | 0xFFFFFF

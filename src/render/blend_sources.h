@@ -76,6 +76,22 @@ struct BitsBlend {
 };
 BitsBlend bitsBlend(const PaintState& state, bool opaqueZeros);
 
+// The two colours of a 1-bit screen at the alphas of its plan: the one
+// colour where a cell bit is 1, the zero colour where it is 0 under opaque
+// zeros only; a colour at alpha 0 paints nothing.
+template <bool OPAQUE>
+struct BitsInks {
+    BitsInks(const BitsBlend& plan, uint32_t oneColour, uint32_t zeroColour, uint32_t tagWord)
+        : one(blendInk(plan.alphaOne, oneColour)), zero(blendInk(plan.alphaZero, zeroColour)),
+          paintOne(plan.alphaOne != 0), paintZero(OPAQUE && plan.alphaZero != 0), tag(tagWord) {}
+
+    BlendInk one;
+    BlendInk zero;
+    bool paintOne;
+    bool paintZero;
+    uint32_t tag;
+};
+
 // A tile of samples: how each tile pixel finds its alpha.
 enum class TileAlphaRule : uint8_t {
     PLAIN,        // colour tile, no constant alpha, key 0 off

@@ -40,19 +40,19 @@ struct BlendBitsMask {
     using Pixel = typename Pixels::Pixel;
     static constexpr bool GROUPS_ONLY = false;
     BlendBitsMask(const PaintState& state, const BitsBlend& plan)
-        : tile(state), one(blendInk(plan.alphaOne, slotColour(state, SLOT_IMAGE))),
-          zero(blendInk(plan.alphaZero, slotColour(state, SLOT_PAINT_BACK))),
-          paintOne(plan.alphaOne != 0), paintZero(OPAQUE && plan.alphaZero != 0),
-          tag(state.tagBitmapWord) {}
+        : tile(state), inks(plan, slotColour(state, SLOT_IMAGE), slotColour(state, SLOT_PAINT_BACK),
+                            state.tagBitmapWord) {}
 
     void beginRow(const PaintState&, int32_t y, int32_t left) { tile.beginRow(y, left); }
     void group(Pixel* at, int32_t x, uint32_t bits, int32_t) {
         const uint32_t cell = tile.bitsAt(x);
-        if (paintOne) {
-            forEachSetBit(bits & cell, [&](int b) { at[b] = Pixels::blend(at[b], one, tag); });
+        if (inks.paintOne) {
+            forEachSetBit(bits & cell,
+                          [&](int b) { at[b] = Pixels::blend(at[b], inks.one, inks.tag); });
         }
-        if (paintZero) {
-            forEachSetBit(bits & ~cell, [&](int b) { at[b] = Pixels::blend(at[b], zero, tag); });
+        if (inks.paintZero) {
+            forEachSetBit(bits & ~cell,
+                          [&](int b) { at[b] = Pixels::blend(at[b], inks.zero, inks.tag); });
         }
     }
     void run(Pixel* at, int32_t x, int32_t n) {
@@ -60,11 +60,7 @@ struct BlendBitsMask {
     }
 
     MaskBitTile tile;
-    BlendInk one;
-    BlendInk zero;
-    bool paintOne;
-    bool paintZero;
-    uint32_t tag;
+    BitsInks<OPAQUE> inks;
 };
 
 // A tile of samples: each tile pixel at the alpha of its rule.

@@ -4,8 +4,8 @@
 #include "render/area_screened.h"
 #include "render/area_solid.h"
 #include "render/flatten_blocks.h"
-#include "render/mask_members.h"
 #include "render/image_members.h"
+#include "render/mask_members.h"
 #include "render/raster_pixels.h"
 
 namespace kryn {

@@ -21,5 +21,4 @@ void releaseTileList(RendererTile*& head) {
     releaseNodes(head);
 }
 
-
 } // namespace kryn
